@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+class PlixFile;
+class PlixValue;
+class jzonFile;
+
+// Opens each JSON store file once at start-up, reads every value's initial
+// content through its jpath, and writes back the files a commit changed.
+class PlixJsonModifier
+{
+public:
+    PlixJsonModifier();
+    virtual ~PlixJsonModifier();
+    PlixJsonModifier(const PlixJsonModifier&) = delete;
+    PlixJsonModifier& operator=(const PlixJsonModifier&) = delete;
+
+    // Reads the file's document; a file that cannot be read or parsed ends
+    // the process with status 1.
+    void add_panel_file(PlixFile* file);
+    // Reads one value's initial content; a missing jpath ends the process
+    // with status 5. Returns 0.
+    int get_value(PlixValue* value);
+    // Writes every changed file that is not "read_only". Returns 0.
+    int rewrite_json();
+
+private:
+    struct Panel_file
+    {
+        PlixFile* file;
+        std::unique_ptr<jzonFile> document;
+    };
+    std::vector<Panel_file> records;
+};

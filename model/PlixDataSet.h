@@ -1,0 +1,54 @@
+#pragma once
+
+#include "PlixVariant.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+class PlixFile;
+class PlixValue;
+class PlixDatasetOnChangeHandler;
+class PlixDatasetValidator;
+
+// A named group of values, validated and acted on as a whole at commit.
+// Holds pointers into the engine's value table; owns nothing.
+class PlixDataSet
+{
+public:
+    PlixDataSet() = default;
+    // Copies everything but the by-name map and the verify mark: a copy finds
+    // no member by name.
+    PlixDataSet(const PlixDataSet& other);
+    PlixDataSet& operator=(const PlixDataSet&) = delete;
+    virtual ~PlixDataSet() = default;
+
+    void setName(std::string name) { this->name = std::move(name); }
+    std::string getName() const { return name; }
+    void setFile(PlixFile* file) { this->file = file; }
+    PlixFile* getFile() const { return file; }
+
+    void insertPlixValue(PlixValue* value);
+    // Both throw std::out_of_range ("map::at") for an unknown member name.
+    PlixValue* getValue(std::string name) const;
+    PlixVariant getAsVariant(std::string name) const;
+
+    std::vector<PlixValue*> getValues() const { return values; }
+    std::vector<PlixDatasetOnChangeHandler*> getDatasetOnChangeHandlers() const { return onChangeHandlers; }
+    std::vector<PlixDatasetValidator*> getDataSetValidators() const { return validators; }
+    void setDatasetOnChangeHandler(PlixDatasetOnChangeHandler* handler) { onChangeHandlers.push_back(handler); }
+    void setValidator(PlixDatasetValidator* validator) { validators.push_back(validator); }
+
+    bool toVerify() const { return verify; }
+    void setVerify() { verify = true; }
+    void resetVerify() { verify = false; }
+
+private:
+    PlixFile* file = nullptr;
+    std::vector<PlixValue*> values;
+    std::map<std::string, PlixValue*> valuesByName;
+    std::vector<PlixDatasetOnChangeHandler*> onChangeHandlers;
+    std::string name;
+    std::vector<PlixDatasetValidator*> validators;
+    bool verify = false;
+};

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "Jzon.h"
+#include "PlixVariant.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class PlixDataSet;
+class PlixValueValidator;
+class PlixValueOnChangeHandler;
+
+// One configuration value declared by a Value element. Its current content is
+// shared with every value linked to it (same jpath); the old slot keeps the
+// content from before the running transaction, the wanted slot the content a
+// client last offered. Validator, actions, node and data set are not owned.
+class PlixValue
+{
+public:
+    PlixValue(std::string name, PlixDataSet& dataSet);
+    // Copies everything but the value type and the old and wanted slots; the
+    // copy shares the current content.
+    PlixValue(const PlixValue& other);
+    PlixValue& operator=(const PlixValue&) = delete;
+    virtual ~PlixValue() = default;
+
+    std::string getName() const { return name; }
+    std::string getJPath() const { return jpath; }
+    void setJPath(std::string path) { jpath = std::move(path); }
+    std::string getValueType() const { return valueType; }
+    void setValueType(std::string type) { valueType = std::move(type); }
+    PlixDataSet& getDataSet() const { return dataSet; }
+    PlixValueValidator* getValueValidator() const { return validator; }
+    void setValidator(PlixValueValidator* v) { validator = v; }
+    std::vector<PlixValueOnChangeHandler*> getOnChangeHandlers() const { return onChangeHandlers; }
+    void setOnChangeHandler(PlixValueOnChangeHandler* handler) { onChangeHandlers.push_back(handler); }
+    Jzon::Node* getJsonNode() const { return jsonNode; }
+    void setJsonNode(Jzon::Node* node) { jsonNode = node; }
+    PlixValue* getLinkedPlixValueObject() const { return linkedValue; }
+    bool inJson() const { return isInJson; }
+    bool valueInJsonWillBeReadFromPreviousPlixValue() const { return linked; }
+    void setValueInJsonWillBeReadFromPreviousPlixValue(PlixValue* earlier);
+
+    // A copy of the current content; a value that has none yet gives NONE.
+    PlixVariant getValue() const;
+    std::shared_ptr<PlixVariant> getValuePtr() const { return currentValue; }
+    void setValuePtr(std::shared_ptr<PlixVariant> content);
+    PlixVariant getWantedSetValue() const { return wantedSetValue; }
+
+    unsigned setWantedSetValue(PlixVariant v);
+    void setValue(PlixVariant v);
+    void setBackToOldValue();
+    void setDefaultValue(PlixVariant v);
+    void setXML_Default_value(std::string text);
+    void changeJsonNode();
+
+private:
+    std::string name;
+    std::string jpath;
+    std::string valueType;
+    PlixDataSet& dataSet;
+    std::vector<PlixValueOnChangeHandler*> onChangeHandlers;
+    PlixValueValidator* validator = nullptr;
+    std::shared_ptr<PlixVariant> currentValue;
+    PlixVariant oldValue;
+    PlixVariant wantedSetValue;
+    Jzon::Node* jsonNode = nullptr;
+    PlixValue* linkedValue = nullptr;
+    bool oldValueValid = false;
+    bool isInJson = true;
+    bool linked = false;
+};

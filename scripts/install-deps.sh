@@ -1,0 +1,19 @@
+#!/bin/sh
+# Installs the Debian 12 packages that building, running and testing
+# dbus-ex-plix need, and only those that are missing.
+set -eu
+
+packages="cmake make g++ clang pkg-config libglib2.0-dev libglib2.0-bin \
+libexpat1-dev libssl-dev nlohmann-json3-dev libgtest-dev libgmock-dev \
+dbus-daemon dbus-bin util-linux procps psmisc openssl libclang-rt-14-dev $*"
+
+missing=""
+for p in $packages; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
+done
+[ -z "$missing" ] && exit 0
+
+sudo=""
+[ "$(id -u)" = 0 ] || sudo="sudo"
+$sudo apt-get update
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends $missing
