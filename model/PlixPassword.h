@@ -18,7 +18,8 @@ public:
     PlixPassword& operator=(const PlixPassword&) = default;
 
     // True when the candidate plain text hashes to the stored form. Throws
-    // std::out_of_range when a non-empty stored form is shorter than its salt.
+    // std::out_of_range ("basic_string::substr") when the stored form is
+    // shorter than its salt, an empty one with a non-empty candidate included.
     bool operator==(std::string candidate) const;
 
     std::string getHashedPassword() const;
@@ -34,6 +35,10 @@ public:
     static void setSaltSource(SaltSource source);
 
 private:
+    // The first digest of text and salt, then iterations digests of the
+    // previous digest text alone.
+    std::string hashChain(const std::string& text, const std::string& salt) const;
+
     std::string hashedPassword;
     std::string digestName;
     int iterations = 0;

@@ -56,6 +56,9 @@ public:
     void changeJsonNode();
 
 private:
+    // Writes into the shared content, making one if the value has none yet.
+    void writeCurrent(const PlixVariant& v);
+
     std::string name;
     std::string jpath;
     std::string valueType;

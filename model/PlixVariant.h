@@ -51,6 +51,8 @@ public:
     bool operator!=(const PlixVariant& other) const;
 
 private:
+    void takeTypeIfNone(DataType type);
+
     int intContent = 0;
     std::string stringContent;
     bool boolContent = false;

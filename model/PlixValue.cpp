@@ -1,0 +1,149 @@
+#include "PlixValue.h"
+
+#include "PlixDataSet.h"
+#include "PlixFile.h"
+#include "PlixLog.h"
+#include "PlixValueValidator.h"
+
+#include <cstdlib>
+#include <utility>
+
+namespace {
+
+const unsigned typeMismatch = 200;
+
+} // namespace
+
+PlixValue::PlixValue(std::string name, PlixDataSet& dataSet) : name(std::move(name)), dataSet(dataSet)
+{
+}
+
+// The value type is left out on purpose: the loader inserts the copy into the
+// value table before it has read the type, and sets it on the copy.
+PlixValue::PlixValue(const PlixValue& other)
+    : name(other.name),
+      jpath(other.jpath),
+      dataSet(other.dataSet),
+      onChangeHandlers(other.onChangeHandlers),
+      validator(other.validator),
+      currentValue(other.currentValue),
+      jsonNode(other.jsonNode),
+      linkedValue(other.linkedValue),
+      oldValueValid(other.oldValueValid),
+      isInJson(other.isInJson),
+      linked(other.linked)
+{
+}
+
+void PlixValue::setValueInJsonWillBeReadFromPreviousPlixValue(PlixValue* earlier)
+{
+    linkedValue = earlier;
+    linked = true;
+}
+
+PlixVariant PlixValue::getValue() const
+{
+    return currentValue ? *currentValue : PlixVariant();
+}
+
+void PlixValue::setValuePtr(std::shared_ptr<PlixVariant> content)
+{
+    currentValue = std::move(content);
+    linked = true;
+}
+
+unsigned PlixValue::setWantedSetValue(PlixVariant v)
+{
+    wantedSetValue = std::move(v);
+    oldValueValid = false;
+    if (wantedSetValue.getDataType() != getValue().getDataType()) {
+        plixLog(LOG_WARNING, "Datatype doesnt match the one from %s", name.c_str());
+        return typeMismatch;
+    }
+    if (validator != nullptr) {
+        const unsigned result = validator->validate();
+        if (result != 0) {
+            return result;
+        }
+    }
+    dataSet.setVerify();
+    return 0;
+}
+
+void PlixValue::writeCurrent(const PlixVariant& v)
+{
+    // Written through the shared content, so a linked value sees it too.
+    if (currentValue) {
+        *currentValue = v;
+    } else {
+        currentValue = std::make_shared<PlixVariant>(v);
+    }
+}
+
+void PlixValue::setValue(PlixVariant v)
+{
+    oldValue = getValue();
+    oldValueValid = true;
+    writeCurrent(v);
+}
+
+void PlixValue::setBackToOldValue()
+{
+    if (oldValueValid) {
+        writeCurrent(oldValue);
+    }
+    oldValueValid = false;
+}
+
+void PlixValue::setDefaultValue(PlixVariant v)
+{
+    oldValueValid = false;
+    // A new content, not a write into the old one: a value linked to this
+    // one keeps the content they shared.
+    currentValue = std::make_shared<PlixVariant>(std::move(v));
+    plixTrace("default mvalue %s\n", currentValue->getAsString().c_str());
+}
+
+void PlixValue::setXML_Default_value(std::string text)
+{
+    isInJson = false;
+    if (valueType == "string") {
+        setDefaultValue(PlixVariant(text));
+    } else if (valueType == "int") {
+        setDefaultValue(PlixVariant(static_cast<int>(std::strtol(text.c_str(), nullptr, 10))));
+    } else if (valueType == "bool") {
+        setDefaultValue(PlixVariant(text == "true"));
+    } else if (valueType == "double" || valueType == "float") {
+        setDefaultValue(PlixVariant(std::strtod(text.c_str(), nullptr)));
+    } else if (valueType.find("password") != std::string::npos) {
+        setDefaultValue(PlixVariant(PlixPassword(text, valueType, true)));
+    }
+    // Any other type has no conversion: the value stays without content.
+}
+
+void PlixValue::changeJsonNode()
+{
+    plixTrace("change node\n");
+    // Values with a default have no node; the engine does not call this for
+    // them, and a value without a node has nothing to write back.
+    if (jsonNode == nullptr) {
+        return;
+    }
+    const PlixVariant content = getValue();
+    if (jsonNode->IsString()) {
+        jsonNode->AsValue().Set(content.getAsString());
+    } else if (jsonNode->IsNumber()) {
+        if (valueType == "int") {
+            jsonNode->AsValue().Set(content.asInt());
+        } else if (valueType == "double" || valueType == "float") {
+            jsonNode->AsValue().Set(content.asDouble());
+        }
+    } else if (jsonNode->IsBool() && valueType == "bool") {
+        jsonNode->AsValue().Set(content.asBool());
+    }
+    // The file is rewritten even when the node kept its text, so that the
+    // store always reflects a commit.
+    if (dataSet.getFile() != nullptr) {
+        dataSet.getFile()->setReWrite();
+    }
+}

@@ -1,0 +1,184 @@
+#include "PlixVariant.h"
+
+#include <cmath>
+#include <cstdio>
+#include <locale>
+#include <sstream>
+#include <utility>
+
+namespace {
+
+// Numbers are written the way a default-formatted stream writes them, in the
+// classic locale so that no grouping or decimal comma ever reaches a client.
+template <typename Number>
+std::string streamText(Number number)
+{
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    stream << number;
+    return stream.str();
+}
+
+// Doubles closer than this count as the same setting.
+const double doubleTolerance = 0.001;
+
+} // namespace
+
+PlixVariant::PlixVariant() = default;
+
+PlixVariant::PlixVariant(std::string value) : stringContent(std::move(value)), dataType(STRING)
+{
+}
+
+PlixVariant::PlixVariant(const char* value) : stringContent(value), dataType(STRING)
+{
+}
+
+PlixVariant::PlixVariant(bool value) : boolContent(value), dataType(BOOL)
+{
+}
+
+PlixVariant::PlixVariant(int value) : intContent(value), dataType(INT)
+{
+}
+
+PlixVariant::PlixVariant(double value) : doubleContent(value), dataType(DOUBLE)
+{
+}
+
+PlixVariant::PlixVariant(PlixPassword value) : dataType(PASSWORD), passwordContent(std::move(value))
+{
+}
+
+std::string PlixVariant::asString() const
+{
+    return stringContent;
+}
+
+int PlixVariant::asInt() const
+{
+    return intContent;
+}
+
+double PlixVariant::asDouble() const
+{
+    return doubleContent;
+}
+
+bool PlixVariant::asBool() const
+{
+    return boolContent;
+}
+
+PlixPassword PlixVariant::asPlixPassword() const
+{
+    return passwordContent;
+}
+
+int PlixVariant::getDataType() const
+{
+    return dataType;
+}
+
+void PlixVariant::takeTypeIfNone(DataType type)
+{
+    // A variant that already has a type keeps it: only an untyped one is
+    // given its type by the first content written into it.
+    if (dataType == NONE) {
+        dataType = type;
+    }
+}
+
+void PlixVariant::setValueString(std::string value)
+{
+    stringContent = std::move(value);
+    takeTypeIfNone(STRING);
+}
+
+void PlixVariant::setValueBool(bool value)
+{
+    boolContent = value;
+    takeTypeIfNone(BOOL);
+}
+
+void PlixVariant::setValueInt(int value)
+{
+    intContent = value;
+    takeTypeIfNone(INT);
+}
+
+void PlixVariant::setValueDouble(double value)
+{
+    doubleContent = value;
+    takeTypeIfNone(DOUBLE);
+}
+
+void PlixVariant::setValuePassword(PlixPassword value)
+{
+    passwordContent.hashedPassword = std::move(value.hashedPassword);
+    passwordContent.digestName = std::move(value.digestName);
+    passwordContent.iterations = value.iterations;
+    passwordContent.plainTextLength = value.plainTextLength;
+    takeTypeIfNone(PASSWORD);
+}
+
+std::string PlixVariant::getAsString() const
+{
+    switch (dataType) {
+    case BOOL:
+        return boolContent ? "true" : "false";
+    case STRING:
+        return stringContent;
+    case INT:
+        return streamText(intContent);
+    case DOUBLE:
+        return streamText(doubleContent);
+    case PASSWORD:
+        return passwordContent.getHashedPassword();
+    case NONE:
+        break;
+    }
+    // An untyped variant has no text; no caller asks for one in normal use.
+    return std::string();
+}
+
+void PlixVariant::print() const
+{
+    // Unlike getAsString(), a bool is printed as a digit.
+    const std::string text = dataType == BOOL ? streamText(boolContent) : getAsString();
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+bool PlixVariant::operator==(const PlixVariant& other) const
+{
+    // A password is compared by checking the other side's text against it,
+    // so a plain candidate and a stored form both work.
+    if (dataType == PASSWORD) {
+        return passwordContent == other.getAsString();
+    }
+    if (other.dataType == PASSWORD) {
+        return other.passwordContent == getAsString();
+    }
+    if (dataType != other.dataType) {
+        return false;
+    }
+    switch (dataType) {
+    case BOOL:
+        return boolContent == other.boolContent;
+    case STRING:
+        return stringContent == other.stringContent;
+    case INT:
+        return intContent == other.intContent;
+    case DOUBLE:
+        return std::fabs(doubleContent - other.doubleContent) < doubleTolerance;
+    case PASSWORD:
+    case NONE:
+        break;
+    }
+    return false;
+}
+
+bool PlixVariant::operator!=(const PlixVariant& other) const
+{
+    return !(*this == other);
+}

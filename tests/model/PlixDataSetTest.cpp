@@ -1,0 +1,168 @@
+#include "PlixDataSet.h"
+#include "PlixDatasetOnChangeHandler.h"
+#include "PlixDatasetValidator.h"
+#include "PlixFile.h"
+#include "PlixValue.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace {
+
+class NoAction : public PlixDatasetOnChangeHandler
+{
+public:
+    using PlixDatasetOnChangeHandler::PlixDatasetOnChangeHandler;
+    unsigned onChange() override { return 0; }
+};
+
+class AlwaysValid : public PlixDatasetValidator
+{
+public:
+    using PlixDatasetValidator::PlixDatasetValidator;
+    unsigned validate() override { return 0; }
+};
+
+// The what() text of the out-of-range error a lookup throws, or "" if none.
+template <typename Lookup>
+std::string lookupError(Lookup lookup)
+{
+    try {
+        lookup();
+    } catch (const std::out_of_range& error) {
+        return error.what();
+    }
+    return "";
+}
+
+} // namespace
+
+TEST(PlixDataSet, NewDataSetIsEmpty)
+{
+    const PlixDataSet dataSet;
+    EXPECT_EQ(dataSet.getFile(), nullptr);
+    EXPECT_EQ(dataSet.getName(), "");
+    EXPECT_TRUE(dataSet.getValues().empty());
+    EXPECT_TRUE(dataSet.getDatasetOnChangeHandlers().empty());
+    EXPECT_TRUE(dataSet.getDataSetValidators().empty());
+    EXPECT_FALSE(dataSet.toVerify());
+}
+
+TEST(PlixDataSet, NameAndFileAreKept)
+{
+    PlixDataSet dataSet;
+    PlixFile file;
+    dataSet.setName("eth0");
+    dataSet.setFile(&file);
+    EXPECT_EQ(dataSet.getName(), "eth0");
+    EXPECT_EQ(dataSet.getFile(), &file);
+}
+
+TEST(PlixDataSet, TwoValuesOfOneNameAreListedAndTheFirstIsFound)
+{
+    PlixDataSet dataSet;
+    PlixValue first("ip", dataSet);
+    PlixValue second("ip", dataSet);
+    dataSet.insertPlixValue(&first);
+    dataSet.insertPlixValue(&second);
+    const std::vector<PlixValue*> expected{&first, &second};
+    EXPECT_EQ(dataSet.getValues(), expected);
+    EXPECT_EQ(dataSet.getValue("ip"), &first);
+}
+
+TEST(PlixDataSet, ValuesKeepDeclarationOrder)
+{
+    PlixDataSet dataSet;
+    PlixValue zeta("zeta", dataSet);
+    PlixValue alpha("alpha", dataSet);
+    dataSet.insertPlixValue(&zeta);
+    dataSet.insertPlixValue(&alpha);
+    const std::vector<PlixValue*> expected{&zeta, &alpha};
+    EXPECT_EQ(dataSet.getValues(), expected);
+    EXPECT_EQ(dataSet.getValue("alpha"), &alpha);
+}
+
+TEST(PlixDataSet, GetValueOfAnotherDataSetsNameThrowsMapAt)
+{
+    PlixDataSet eth0;
+    PlixDataSet station;
+    PlixValue ip("ip", eth0);
+    PlixValue name("name", station);
+    eth0.insertPlixValue(&ip);
+    station.insertPlixValue(&name);
+    EXPECT_EQ(lookupError([&] { eth0.getValue("name"); }), "map::at");
+}
+
+TEST(PlixDataSet, GetAsVariantGivesACopyOfTheCurrentContent)
+{
+    PlixDataSet dataSet;
+    PlixValue port("port", dataSet);
+    port.setDefaultValue(PlixVariant(8080));
+    dataSet.insertPlixValue(&port);
+    PlixVariant copy = dataSet.getAsVariant("port");
+    copy.setValueInt(1);
+    EXPECT_EQ(dataSet.getAsVariant("port").asInt(), 8080);
+}
+
+TEST(PlixDataSet, GetAsVariantOfUnknownNameThrowsMapAt)
+{
+    PlixDataSet dataSet;
+    EXPECT_EQ(lookupError([&] { dataSet.getAsVariant("port"); }), "map::at");
+}
+
+TEST(PlixDataSet, CopyKeepsItsValuesButFindsNoValueByName)
+{
+    PlixDataSet original;
+    PlixValue ip("ip", original);
+    original.insertPlixValue(&ip);
+    const PlixDataSet copy(original);
+    EXPECT_EQ(copy.getValues(), original.getValues());
+    EXPECT_EQ(lookupError([&] { copy.getValue("ip"); }), "map::at");
+    EXPECT_EQ(lookupError([&] { copy.getAsVariant("ip"); }), "map::at");
+}
+
+TEST(PlixDataSet, CopyKeepsNameFileHandlersAndValidatorsButNotTheMark)
+{
+    PlixDataSet original;
+    PlixFile file;
+    NoAction action(original);
+    AlwaysValid validator(original);
+    original.setName("eth0");
+    original.setFile(&file);
+    original.setDatasetOnChangeHandler(&action);
+    original.setValidator(&validator);
+    original.setVerify();
+    const PlixDataSet copy(original);
+    EXPECT_EQ(copy.getName(), "eth0");
+    EXPECT_EQ(copy.getFile(), &file);
+    EXPECT_EQ(copy.getDatasetOnChangeHandlers(), original.getDatasetOnChangeHandlers());
+    EXPECT_EQ(copy.getDataSetValidators(), original.getDataSetValidators());
+    EXPECT_FALSE(copy.toVerify());
+}
+
+TEST(PlixDataSet, HandlersAndValidatorsKeepDeclarationOrder)
+{
+    PlixDataSet dataSet;
+    NoAction firstAction(dataSet);
+    NoAction secondAction(dataSet);
+    AlwaysValid firstValidator(dataSet);
+    AlwaysValid secondValidator(dataSet);
+    dataSet.setDatasetOnChangeHandler(&firstAction);
+    dataSet.setDatasetOnChangeHandler(&secondAction);
+    dataSet.setValidator(&firstValidator);
+    dataSet.setValidator(&secondValidator);
+    const std::vector<PlixDatasetOnChangeHandler*> actions{&firstAction, &secondAction};
+    const std::vector<PlixDatasetValidator*> validators{&firstValidator, &secondValidator};
+    EXPECT_EQ(dataSet.getDatasetOnChangeHandlers(), actions);
+    EXPECT_EQ(dataSet.getDataSetValidators(), validators);
+}
+
+TEST(PlixDataSet, VerifyMarkIsSetAndCleared)
+{
+    PlixDataSet dataSet;
+    dataSet.setVerify();
+    EXPECT_TRUE(dataSet.toVerify());
+    dataSet.resetVerify();
+    EXPECT_FALSE(dataSet.toVerify());
+}
