@@ -1,0 +1,20 @@
+#pragma once
+
+#include "PlixValueOnChangeHandler.h"
+
+#include <string>
+
+// Runs a declared shell command in which "%<value name>" stands for the
+// value's new content.
+class PlixValueOnChangeExecute : public PlixValueOnChangeHandler
+{
+public:
+    explicit PlixValueOnChangeExecute(PlixValue& value);
+
+    void setCommand(std::string command) { this->command = std::move(command); }
+
+    unsigned onChange() override;
+
+private:
+    std::string command;
+};

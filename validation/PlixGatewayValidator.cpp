@@ -1,0 +1,11 @@
+#include "PlixGatewayValidator.h"
+
+PlixGatewayValidator::PlixGatewayValidator(PlixValue& value)
+    : PlixValueValidator(value)
+{
+}
+
+unsigned PlixGatewayValidator::validate()
+{
+    return 0;
+}
