@@ -1,0 +1,48 @@
+#include "PlixIntegrationTest.h"
+#include "PlixWait.h"
+
+#include <algorithm>
+
+namespace {
+bool endedWith(const std::vector<std::pair<pid_t, int>>& ended, int status)
+{
+    return std::any_of(ended.begin(), ended.end(),
+                       [&](const auto& process) { return process.second == status; });
+}
+} // namespace
+
+using DaemonMode = PlixIntegrationTest;
+
+TEST_F(DaemonMode, ParentEnds0OnlyOncePlixIsExportedAndTheChildServes)
+{
+    PlixServiceProcess& service = start({"-d", "-c", writeConfig()});
+    ASSERT_TRUE(plixWaitUntil([&] { return !service.endedProcesses().empty(); }, kStartBound))
+        << tail(service);
+    const auto [parent, parentStatus] = service.endedProcesses().front();
+    EXPECT_EQ(parentStatus, 0);
+    EXPECT_EQ(service.stdoutLines().back(), "[NFO] Exiting parent process");
+    // Right at the parent's end the child owns the name and /plix is there.
+    EXPECT_NE(bus().nameOwner(PlixBusClient::kServiceName), "");
+    EXPECT_NE(newClient().introspect("/plix").find("com.orvanta.plix.dBusAdaptor"),
+              std::string::npos);
+
+    ASSERT_TRUE(waitServing(service));
+    const pid_t child = namespacePidOf(servicePid());
+    EXPECT_NE(child, parent);
+    EXPECT_EQ(PlixTestDir::readFile(service.pidFilePath()), std::to_string(child) + "\n");
+    EXPECT_EQ(newClient().getIntTransient("general/count").value, 42);
+}
+
+TEST_F(DaemonMode, SecondInstanceAsDaemonEndsItsParentWith0AndItsChildWith2)
+{
+    PlixServiceProcess* first = startServing();
+    ASSERT_NE(first, nullptr);
+    PlixServiceProcess& second =
+        startInside(*first, {"-d", "-c", dir().file("plix_test.xml")}, "second");
+    EXPECT_EQ(second.waitExit(kExitBound), 0);
+    // The detached child ends in the namespace, where its first process
+    // records it.
+    EXPECT_TRUE(plixWaitUntil([&] { return endedWith(first->endedProcesses(), 2); },
+                              kExitBound));
+    EXPECT_EQ(newClient().getIntTransient("general/count").value, 42);
+}

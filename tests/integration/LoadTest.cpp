@@ -1,0 +1,227 @@
+#include "PlixServingTest.h"
+
+#include <chrono>
+#include <cstdio>
+#include <sstream>
+
+namespace {
+constexpr int kClients = 32;
+constexpr long kWarmUpCalls = 2000;
+constexpr long kCalls = 50000;
+constexpr long kRssToleranceKiB = 1024;
+constexpr auto kRunBound = std::chrono::seconds(150);
+constexpr int kCallTimeoutMs = 20000;
+
+long residentKiB(pid_t pid)
+{
+    std::istringstream status(PlixTestDir::readFile("/proc/" + std::to_string(pid) + "/status"));
+    std::string key;
+    long value = -1;
+    while (status >> key) {
+        if (key == "VmRSS:") {
+            status >> value;
+            break;
+        }
+    }
+    return value;
+}
+
+// One run of asynchronous calls by all clients on a private main context.
+// Each client keeps one call in flight and checks every reply against what
+// the engine must answer: transient reads of a constant and of an undeclared
+// XML-ID, contended transaction starts, and for the winner of a start a set
+// and a commit.
+class PlixLoadRun
+{
+public:
+    PlixLoadRun(const std::vector<PlixBusClient*>& clients, long budget)
+        : mClients(clients), mBudget(budget), mStates(clients.size())
+    {
+    }
+
+    void run()
+    {
+        GMainContext* context = g_main_context_new();
+        g_main_context_push_thread_default(context);
+        mLoop = g_main_loop_new(context, FALSE);
+        GSource* bound = g_timeout_source_new_seconds(
+            static_cast<guint>(std::chrono::seconds(kRunBound).count()));
+        g_source_set_callback(bound, &PlixLoadRun::onBound, this, nullptr);
+        g_source_attach(bound, context);
+        for (std::size_t i = 0; i < mClients.size(); ++i) {
+            next(i);
+        }
+        if (mInFlight > 0) {
+            g_main_loop_run(mLoop);
+        }
+        g_source_destroy(bound);
+        g_source_unref(bound);
+        g_main_loop_unref(mLoop);
+        g_main_context_pop_thread_default(context);
+        g_main_context_unref(context);
+    }
+
+    long issued() const { return mIssued; }
+    long answered() const { return mAnswered; }
+    long wrong() const { return mWrong; }
+    long committed() const { return mCommitted; }
+    const std::string& firstWrong() const { return mFirstWrong; }
+    bool timedOut() const { return mTimedOut; }
+
+private:
+    enum class Step { Idle, Setting, Stopping };
+
+    struct PlixCallContext
+    {
+        PlixLoadRun* run;
+        std::size_t client;
+        std::string method;
+    };
+
+    static gboolean onBound(gpointer self)
+    {
+        auto* run = static_cast<PlixLoadRun*>(self);
+        run->mTimedOut = true;
+        g_main_loop_quit(run->mLoop);
+        return G_SOURCE_REMOVE;
+    }
+
+    static void onReply(GObject* source, GAsyncResult* result, gpointer data)
+    {
+        std::unique_ptr<PlixCallContext> call(static_cast<PlixCallContext*>(data));
+        GError* error = nullptr;
+        PlixGVariantPtr reply(
+            g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error));
+        if (error != nullptr) {
+            call->run->fail(call->method + ": " + error->message);
+            g_error_free(error);
+        }
+        call->run->received(call->client, call->method, reply.get());
+    }
+
+    void call(std::size_t client, const char* method, GVariant* params)
+    {
+        ++mIssued;
+        ++mInFlight;
+        g_dbus_connection_call(mClients[client]->connection(), PlixBusClient::kServiceName,
+                               PlixBusClient::kAdaptorPath, PlixBusClient::kAdaptorInterface,
+                               method, params, nullptr, G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs,
+                               nullptr, &PlixLoadRun::onReply,
+                               new PlixCallContext{this, client, method});
+    }
+
+    void next(std::size_t client)
+    {
+        Step& step = mStates[client];
+        if (step == Step::Setting) {
+            call(client, "SetIntValue", g_variant_new("(si)", "load/counter",
+                                                      static_cast<gint32>(mIssued % 1000)));
+        } else if (step == Step::Stopping) {
+            call(client, "Transactionstop", nullptr);
+        } else if (mIssued < mBudget) {
+            const char* const reads[] = {"load/constant", "load/constant", "load/nothing"};
+            const long kind = mIssued % 4;
+            if (kind == 3) {
+                call(client, "Transactionstart", g_variant_new("(b)", FALSE));
+            } else {
+                call(client, "GetIntValueTransient", g_variant_new("(s)", reads[kind]));
+            }
+        }
+    }
+
+    void received(std::size_t client, const std::string& method, GVariant* reply)
+    {
+        ++mAnswered;
+        --mInFlight;
+        if (reply != nullptr) {
+            check(client, method, reply);
+        }
+        next(client);
+        if (mInFlight == 0) {
+            g_main_loop_quit(mLoop);
+        }
+    }
+
+    void check(std::size_t client, const std::string& method, GVariant* reply)
+    {
+        gint32 status = -1;
+        gint32 value = -1;
+        Step& step = mStates[client];
+        if (method == "GetIntValueTransient") {
+            g_variant_get(reply, "(ii)", &status, &value);
+            const bool constant = status == 0 && value == 7;
+            if (!constant && status != 9) {
+                fail("transient read replied " + std::to_string(status));
+            }
+            return;
+        }
+        g_variant_get(reply, "(i)", &status);
+        if (method == "Transactionstart") {
+            if (status != 0 && status != 8) {
+                fail("Transactionstart replied " + std::to_string(status));
+            }
+            step = status == 0 ? Step::Setting : Step::Idle;
+            return;
+        }
+        if (status != 0) {
+            fail(method + " replied " + std::to_string(status));
+        }
+        if (method == "Transactionstop" && status == 0) {
+            ++mCommitted;
+        }
+        step = (method == "SetIntValue" && status == 0) ? Step::Stopping : Step::Idle;
+    }
+
+    void fail(const std::string& what)
+    {
+        if (mWrong++ == 0) {
+            mFirstWrong = what;
+        }
+    }
+
+    std::vector<PlixBusClient*> mClients;
+    long mBudget;
+    std::vector<Step> mStates;
+    GMainLoop* mLoop = nullptr;
+    long mIssued = 0;
+    long mAnswered = 0;
+    long mInFlight = 0;
+    long mWrong = 0;
+    long mCommitted = 0;
+    std::string mFirstWrong;
+    bool mTimedOut = false;
+};
+} // namespace
+
+using Load = PlixServingTest;
+
+TEST_F(Load, ThirtyTwoClientsGetEveryReplyRightWithoutGrowingTheService)
+{
+    std::vector<PlixBusClient*> clients;
+    for (int i = 0; i < kClients; ++i) {
+        clients.push_back(&newClient());
+    }
+    const pid_t pid = servicePid();
+    PlixLoadRun warmUp(clients, kWarmUpCalls);
+    warmUp.run();
+    ASSERT_EQ(warmUp.wrong(), 0) << warmUp.firstWrong();
+    const long rssBefore = residentKiB(pid);
+
+    PlixLoadRun load(clients, kCalls);
+    const auto begin = std::chrono::steady_clock::now();
+    load.run();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+    const long rssAfter = residentKiB(pid);
+
+    std::printf("%ld calls by %d clients in %.2f s: %.0f calls per second, %ld commits; "
+                "VmRSS %ld kB before, %ld kB after\n",
+                load.answered(), kClients, took.count(), load.answered() / took.count(),
+                load.committed(), rssBefore, rssAfter);
+    EXPECT_FALSE(load.timedOut());
+    EXPECT_GE(load.issued(), kCalls);
+    EXPECT_EQ(load.answered(), load.issued());
+    EXPECT_EQ(load.wrong(), 0) << load.firstWrong();
+    EXPECT_GT(load.committed(), 0);
+    EXPECT_LE(rssAfter - rssBefore, kRssToleranceKiB);
+    EXPECT_EQ(client().getIntTransient("load/constant").value, 7);
+}

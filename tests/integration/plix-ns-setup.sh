@@ -1,0 +1,22 @@
+#!/bin/sh
+# First program inside a test's private namespaces (mount, IPC, PID). It lays
+# the test's own directory over the machine's lock directory, so the service's
+# PID file is private to the test and readable from outside, then runs the
+# rest of its command line in its place.
+#
+#   PLIX_TEST_LOCKDIR    the test's lock directory
+#   PLIX_TEST_REAL_LOCK  the real path of /var/lock (symbolic links resolved)
+#   PLIX_TEST_PRELOAD    optional: a library to preload into what follows
+if [ -z "$PLIX_TEST_LOCKDIR" ] || [ -z "$PLIX_TEST_REAL_LOCK" ]; then
+    echo "plix-ns-setup: lock directory variables missing" >&2
+    exit 97
+fi
+if ! mount --bind "$PLIX_TEST_LOCKDIR" "$PLIX_TEST_REAL_LOCK"; then
+    echo "plix-ns-setup: cannot bind-mount the lock directory" >&2
+    exit 97
+fi
+if [ -n "$PLIX_TEST_PRELOAD" ]; then
+    LD_PRELOAD="$PLIX_TEST_PRELOAD"
+    export LD_PRELOAD
+fi
+exec "$@"
