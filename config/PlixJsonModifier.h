@@ -32,5 +32,8 @@ private:
         PlixFile* file;
         std::unique_ptr<jzonFile> document;
     };
+    // Sets the value's node and content from the record's document.
+    void readFrom(Panel_file& record, PlixValue* value);
+
     std::vector<Panel_file> records;
 };

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "PlixOnChangeBuilder.h"
+#include "PlixValidationBuilder.h"
 #include "PlixValue.h"
+#include "PlixXML_Position.h"
 
 #include <memory>
 #include <string>
@@ -14,6 +17,7 @@ class PlixValueValidator;
 class PlixDatasetValidator;
 class PlixValueOnChangeHandler;
 class PlixDatasetOnChangeHandler;
+struct XML_ParserStruct;
 
 // Builds the whole configuration model from the XML file while it is
 // constructed: store files, data sets, values, validators and change actions.
@@ -34,4 +38,35 @@ public:
     void start_element(const char* name, const char** attributes);
     void end_element(const char* name);
     void handle_data(const char* data, int length);
+
+private:
+    void readFile();
+    void startPanelFile(const char** attributes);
+    void startDataSet(const char** attributes);
+    void startValue(const char** attributes);
+    void declareValue(const std::string& name);
+    void endJPath();
+    void endFile();
+    void stopLoading(int status);
+
+    std::string path;
+    std::string unused;
+    // The whole file and its terminating zero: expat sees the text up to the
+    // first zero byte.
+    std::string buffer;
+    // The last chunk of character data: the text of the end tag that follows.
+    std::string text;
+    PlixXML_Position position;
+    ValueTable* values;
+    PlixJsonModifier* jsonModifier;
+    std::vector<PlixDataSet*>* dataSets;
+    std::vector<std::unique_ptr<PlixFile>> files;
+    std::vector<std::unique_ptr<PlixDataSet>> ownedDataSets;
+    std::unordered_map<std::string, PlixValue*> valuesByJPath;
+    PlixValidationBuilder validations;
+    PlixOnChangeBuilder changeActions;
+    // While expat runs, a fatal declaration stops it and the exit waits until
+    // control is back out of expat's frames.
+    XML_ParserStruct* expat = nullptr;
+    int pendingExit = 0;
 };

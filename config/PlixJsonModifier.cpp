@@ -1,0 +1,132 @@
+#include "PlixJsonModifier.h"
+
+#include "PlixDataSet.h"
+#include "PlixFile.h"
+#include "PlixLog.h"
+#include "PlixShutDown.h"
+#include "PlixValue.h"
+#include "jzonFile.h"
+
+#include <cstdlib>
+
+namespace {
+bool isDoubleType(const std::string& type)
+{
+    return type == "double" || type == "float";
+}
+
+// The content a string node gives, by the value's declared type; false when
+// the type takes no content from a string.
+bool contentOfString(const std::string& text, const std::string& type, PlixVariant& content)
+{
+    if (type == "string") {
+        content = PlixVariant(text);
+    } else if (type.find("password") != std::string::npos) {
+        content = PlixVariant(PlixPassword(text, type, false));
+    } else if (type == "int") {
+        content = PlixVariant(static_cast<int>(std::strtol(text.c_str(), nullptr, 10)));
+    } else if (type == "bool") {
+        content = PlixVariant(text == "true");
+    } else if (isDoubleType(type)) {
+        content = PlixVariant(std::strtod(text.c_str(), nullptr));
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// The node's kind decides first, the declared type second: a bool node gives
+// a bool content whatever the type says.
+bool contentOfNode(const Jzon::Node& node, const std::string& type, PlixVariant& content)
+{
+    if (node.IsBool()) {
+        content = PlixVariant(node.ToBool());
+        return true;
+    }
+    if (node.IsNumber()) {
+        if (type == "int") {
+            content = PlixVariant(node.ToInt());
+            return true;
+        }
+        if (isDoubleType(type)) {
+            content = PlixVariant(node.ToDouble());
+            return true;
+        }
+        return false;
+    }
+    return node.IsString() && contentOfString(node.ToString(), type, content);
+}
+
+std::string fileNameOf(const PlixValue& value)
+{
+    const PlixFile* file = value.getDataSet().getFile();
+    return file == nullptr ? std::string() : file->getName();
+}
+} // namespace
+
+PlixJsonModifier::PlixJsonModifier() = default;
+
+PlixJsonModifier::~PlixJsonModifier() = default;
+
+void PlixJsonModifier::add_panel_file(PlixFile* file)
+{
+    auto document = std::make_unique<jzonFile>(file->getPath());
+    if (!document->read()) {
+        plixLog(LOG_ERR, "cannot open .json file: %s under path %s", file->getName().c_str(),
+                file->getPath().c_str());
+        plixShutDown(1);
+    }
+    records.push_back(Panel_file{file, std::move(document)});
+}
+
+int PlixJsonModifier::get_value(PlixValue* value)
+{
+    if (records.empty()) {
+        return 0;
+    }
+    bool linked = value->valueInJsonWillBeReadFromPreviousPlixValue();
+    bool hasFile = value->getDataSet().getFile() != nullptr;
+    for (Panel_file& record : records) {
+        if (!linked && hasFile && record.file->getName() == fileNameOf(*value)) {
+            readFrom(record, value);
+        }
+    }
+    PlixValue* earlier = value->getLinkedPlixValueObject();
+    if (linked && earlier != nullptr) {
+        value->setValuePtr(earlier->getValuePtr());
+        value->setJsonNode(earlier->getJsonNode());
+    }
+    return 0;
+}
+
+void PlixJsonModifier::readFrom(Panel_file& record, PlixValue* value)
+{
+    std::string jpath = value->getJPath();
+    Jzon::Node* node = record.document->findNode(jpath);
+    plixLog(LOG_NOTICE, "Read json value under path: %s", jpath.c_str());
+    if (node == nullptr) {
+        plixLog(LOG_ERR, "Could not find json-Node in %s under Path : %s",
+                record.file->getName().c_str(), jpath.c_str());
+        plixLog(LOG_ERR, "Wrong Path was declared in config-xml under %s/%s",
+                value->getDataSet().getName().c_str(), value->getName().c_str());
+        plixShutDown(5);
+    }
+    value->setJsonNode(node);
+    PlixVariant content;
+    if (contentOfNode(*node, value->getValueType(), content)) {
+        value->setDefaultValue(content);
+    }
+}
+
+int PlixJsonModifier::rewrite_json()
+{
+    for (Panel_file& record : records) {
+        if (record.file->getType() == "read_only" || !record.file->rewrite()) {
+            continue;
+        }
+        plixLog(LOG_INFO, "Rewriting %s", record.file->getPath().c_str());
+        record.document->write();
+        record.file->resetReWrite();
+    }
+    return 0;
+}

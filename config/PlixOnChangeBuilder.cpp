@@ -1,0 +1,106 @@
+#include "PlixOnChangeBuilder.h"
+
+#include "PlixDataSet.h"
+#include "PlixDataSetOnChangeExecute.h"
+#include "PlixDataSetOnChangeSysconfigNetwork.h"
+#include "PlixDataSetOnChangeSysconfigNotifyInit.h"
+#include "PlixValue.h"
+#include "PlixValueOnChangeExecute.h"
+#include "PlixValueOnChangeSysconfigStationName.h"
+#include "PlixValueOnChangeWriteToFile.h"
+#include "PlixXML_Attributes.h"
+
+namespace {
+// Gives each attribute called name, from setters on, to the action's setter.
+template <typename Action>
+std::unique_ptr<Action> withSetter(std::unique_ptr<Action> action, const char** setters,
+                                   const char* name, void (Action::*set)(std::string))
+{
+    plixForEachAttributeNamed(setters, name, [&](const char* text) { ((*action).*set)(text); });
+    return action;
+}
+} // namespace
+
+PlixOnChangeBuilder::PlixOnChangeBuilder() = default;
+
+PlixOnChangeBuilder::~PlixOnChangeBuilder() = default;
+
+void PlixOnChangeBuilder::build(const char** attributes, const PlixXML_Position& position)
+{
+    plixForEachAttribute(attributes, [&](const char* name, const char* text, const char** pair) {
+        std::string attribute = name;
+        if (attribute == "type") {
+            addAction(text, position, pair);
+            return;
+        }
+        PlixTriggerFlags* last = lastAction(position);
+        if (last == nullptr) {
+            return;
+        }
+        if (attribute == "triggerOnlyAtPlixBoot" && std::strcmp(text, "true") == 0) {
+            last->setTriggerOnlyAtPlixBoot();
+        } else if (attribute == "triggerOnPlixStart" && std::strcmp(text, "false") == 0) {
+            last->setTriggerOnPlixStartFalse();
+        }
+    });
+}
+
+void PlixOnChangeBuilder::addAction(const std::string& keyword, const PlixXML_Position& position,
+                                    const char** setters)
+{
+    if (position.dataSetLevel) {
+        addDataSetAction(keyword, *position.dataSet, setters);
+    } else if (position.value != nullptr) {
+        addValueAction(keyword, *position.value, setters);
+    }
+}
+
+void PlixOnChangeBuilder::addValueAction(const std::string& keyword, PlixValue& value,
+                                         const char** setters)
+{
+    std::unique_ptr<PlixValueOnChangeHandler> action;
+    if (keyword == "Execute") {
+        action = withSetter(std::make_unique<PlixValueOnChangeExecute>(value), setters, "command",
+                            &PlixValueOnChangeExecute::setCommand);
+    } else if (keyword == "WriteToFile") {
+        action = withSetter(std::make_unique<PlixValueOnChangeWriteToFile>(value), setters,
+                            "filename", &PlixValueOnChangeWriteToFile::setPathToFile);
+    } else if (keyword == "SysconfigStationName") {
+        action = std::make_unique<PlixValueOnChangeSysconfigStationName>(value);
+    } else {
+        return;
+    }
+    valueActions.push_back(std::move(action));
+    value.setOnChangeHandler(valueActions.back().get());
+}
+
+void PlixOnChangeBuilder::addDataSetAction(const std::string& keyword, PlixDataSet& dataSet,
+                                           const char** setters)
+{
+    std::unique_ptr<PlixDatasetOnChangeHandler> action;
+    if (keyword == "Execute") {
+        action = withSetter(std::make_unique<PlixDataSetOnChangeExecute>(dataSet), setters,
+                            "command", &PlixDataSetOnChangeExecute::setCommand);
+    } else if (keyword == "SysconfigNetwork") {
+        action = std::make_unique<PlixDataSetOnChangeSysconfigNetwork>(dataSet);
+    } else if (keyword == "SysconfigNotifyInit") {
+        action = std::make_unique<PlixDataSetOnChangeSysconfigNotifyInit>(dataSet);
+    } else {
+        return;
+    }
+    dataSetActions.push_back(std::move(action));
+    dataSet.setDatasetOnChangeHandler(dataSetActions.back().get());
+}
+
+PlixTriggerFlags* PlixOnChangeBuilder::lastAction(const PlixXML_Position& position)
+{
+    if (position.dataSetLevel) {
+        auto actions = position.dataSet->getDatasetOnChangeHandlers();
+        return actions.empty() ? nullptr : actions.back();
+    }
+    if (position.value == nullptr) {
+        return nullptr;
+    }
+    auto actions = position.value->getOnChangeHandlers();
+    return actions.empty() ? nullptr : actions.back();
+}

@@ -1,0 +1,180 @@
+#include "jzonFile.h"
+
+#include "PlixJzonNode.h"
+#include "PlixLog.h"
+
+#include <glib.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+using Json = nlohmann::ordered_json;
+
+// Array indices are written in canonical decimal ("0", "17", never "017");
+// nine digits keep the conversion clear of overflow.
+bool parseIndex(const std::string& token, std::size_t& index)
+{
+    if (token.empty() || token.size() > 9 || (token.size() > 1 && token[0] == '0')) {
+        return false;
+    }
+    for (char c : token) {
+        if (c < '0' || c > '9') {
+            return false;
+        }
+    }
+    index = std::stoul(token);
+    return true;
+}
+
+Json* child(Json* parent, const std::string& token)
+{
+    if (parent->is_object()) {
+        auto member = parent->find(token);
+        return member == parent->end() ? nullptr : &member.value();
+    }
+    std::size_t index = 0;
+    if (parent->is_array() && parseIndex(token, index) && index < parent->size()) {
+        return &(*parent)[index];
+    }
+    return nullptr;
+}
+
+// Undoes the pointer escapes "~1" (for "/") and "~0" (for "~"); any other
+// use of "~" makes the pointer malformed.
+bool unescapeToken(const std::string& escaped, std::string& token)
+{
+    token.clear();
+    for (std::size_t i = 0; i < escaped.size(); ++i) {
+        if (escaped[i] != '~') {
+            token += escaped[i];
+            continue;
+        }
+        if (i + 1 == escaped.size() || (escaped[i + 1] != '0' && escaped[i + 1] != '1')) {
+            return false;
+        }
+        token += escaped[++i] == '0' ? '~' : '/';
+    }
+    return true;
+}
+
+// Follows a path of tokens separated by one character, from the token that
+// begins at start; a token that names nothing ends the walk with nullptr.
+template <typename Step>
+Json* walk(Json* element, const std::string& path, std::size_t start, char separator, Step step)
+{
+    while (element != nullptr) {
+        std::size_t end = path.find(separator, start);
+        element = step(element, path.substr(start, end == std::string::npos ? end : end - start));
+        if (end == std::string::npos) {
+            return element;
+        }
+        start = end + 1;
+    }
+    return nullptr;
+}
+
+const int writeFlags = G_FILE_SET_CONTENTS_CONSISTENT | G_FILE_SET_CONTENTS_DURABLE;
+} // namespace
+
+jzonFile::jzonFile(std::string path) : path(std::move(path))
+{
+}
+
+jzonFile::~jzonFile() = default;
+
+bool jzonFile::read()
+{
+    nodes.clear();
+    std::string text;
+    if (!readText(text)) {
+        return false;
+    }
+    document = Json::parse(text, nullptr, false);
+    return !document.is_discarded();
+}
+
+// Only a regular file is read: a FIFO or a device named by mistake would
+// otherwise block the start-up or never end.
+bool jzonFile::readText(std::string& text) const
+{
+    int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    struct stat status;
+    bool ok = fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
+    char chunk[65536];
+    ssize_t got = 0;
+    while (ok && (got = ::read(fd, chunk, sizeof chunk)) != 0) {
+        if (got < 0 && errno != EINTR) {
+            ok = false;
+        } else if (got > 0) {
+            text.append(chunk, static_cast<std::size_t>(got));
+        }
+    }
+    close(fd);
+    return ok;
+}
+
+bool jzonFile::write()
+{
+    std::string text = document.dump(4, ' ', false, Json::error_handler_t::replace) + "\n";
+    struct stat status;
+    int mode = stat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : 0666;
+    GError* error = nullptr;
+    if (!g_file_set_contents_full(path.c_str(), text.data(), static_cast<gssize>(text.size()),
+                                  static_cast<GFileSetContentsFlags>(writeFlags), mode, &error)) {
+        plixLog(LOG_ERR, "Could not write %s: %s", path.c_str(), error->message);
+        g_error_free(error);
+        return false;
+    }
+    return syncDirectory();
+}
+
+// The new file is reached through a rename; the rename itself survives a
+// power loss only once the directory is on disk too.
+bool jzonFile::syncDirectory() const
+{
+    gchar* directory = g_path_get_dirname(path.c_str());
+    int fd = open(directory, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    bool ok = fd >= 0 && fsync(fd) == 0;
+    if (!ok) {
+        plixLog(LOG_ERR, "Could not sync directory %s: %s", directory, std::strerror(errno));
+    }
+    if (fd >= 0) {
+        close(fd);
+    }
+    g_free(directory);
+    return ok;
+}
+
+Jzon::Node* jzonFile::findNode(std::string jpath)
+{
+    Json* element = resolve(jpath);
+    if (element == nullptr) {
+        return nullptr;
+    }
+    auto& node = nodes[element];
+    if (!node) {
+        node = std::make_unique<PlixJzonNode>(*element);
+    }
+    return node.get();
+}
+
+jzonFile::Json* jzonFile::resolve(const std::string& jpath)
+{
+    if (document.is_discarded()) {
+        return nullptr;
+    }
+    if (!jpath.empty() && jpath[0] == '/') {
+        return walk(&document, jpath, 1, '/', [](Json* element, const std::string& escaped) {
+            std::string token;
+            return unescapeToken(escaped, token) ? child(element, token) : nullptr;
+        });
+    }
+    return walk(&document, jpath, 0, '.', child);
+}

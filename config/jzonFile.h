@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Jzon.h"
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+class PlixJzonNode;
+
+// A JSON store document bound to its file. It is read once, changed in place
+// through the nodes that findNode hands out, and written back whole.
+//
+// A jpath that starts with "/" is a JSON Pointer (RFC 6901); any other jpath
+// is a dotted path whose segments, separated by ".", name object members,
+// a segment of digits alone indexing an array ("network.eth0.ip",
+// "ports.list.0"). A path that does not resolve names no node.
+class jzonFile
+{
+public:
+    explicit jzonFile(std::string path);
+    ~jzonFile();
+    jzonFile(const jzonFile&) = delete;
+    jzonFile& operator=(const jzonFile&) = delete;
+
+    // Loads and parses the file; false when it is not a readable regular
+    // file or not JSON. Nodes handed out before are no longer valid.
+    bool read();
+    // Replaces the file atomically and durably with the document, keeping
+    // the file's mode; on failure logs why and leaves the old file intact.
+    bool write();
+    // The node under the jpath, or nullptr. The same element always gives
+    // the same node, valid as long as the document lives.
+    Jzon::Node* findNode(std::string jpath);
+
+    std::string getPath() const { return path; }
+
+private:
+    using Json = nlohmann::ordered_json;
+
+    Json* resolve(const std::string& jpath);
+    bool readText(std::string& text) const;
+    bool syncDirectory() const;
+
+    std::string path;
+    Json document;
+    std::unordered_map<const Json*, std::unique_ptr<PlixJzonNode>> nodes;
+};

@@ -1,0 +1,295 @@
+#include "PlixDataSet.h"
+#include "PlixFile.h"
+#include "PlixLoadedConfig.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+const char* storeJson = R"({
+  "general": {"count": 42, "ratio": 2.5, "name": "alpha", "enabled": true},
+  "text": {"number": "17", "real": "0.5", "flag": "true", "other": "yes"},
+  "list": [1, "two", {"three": null}],
+  "secret": "stored-form"
+})";
+
+using Lines = std::vector<std::string>;
+
+class PlixJsonModifierTest : public testing::Test
+{
+protected:
+    void SetUp() override { store = config.dir.write("store.json", storeJson); }
+
+    std::string panel(const std::string& type = "") const
+    {
+        return "<Panel_file name=\"store\" type=\"" + type + "\">" + store + "</Panel_file>";
+    }
+
+    static std::string value(const std::string& name, const std::string& type,
+                             const std::string& jpath)
+    {
+        return "<Value name=\"" + name + "\" type=\"" + type + "\"><jpath>" + jpath +
+               "</jpath></Value>";
+    }
+
+    // Loads one data set "d" stored in store.json and reads every value.
+    void loadAndRead(const std::string& values, const std::string& type = "")
+    {
+        testing::internal::CaptureStdout();
+        loadAndReadUncaptured(values, type);
+        output = testing::internal::GetCapturedStdout();
+    }
+
+    void loadAndReadUncaptured(const std::string& values, const std::string& type = "")
+    {
+        config.load(panel(type) + "<DataSet ID=\"d\"><File>store</File>" + values +
+                    "</DataSet>");
+        config.readAll();
+    }
+
+    PlixVariant contentOf(const std::string& name) { return config.value("d/" + name).getValue(); }
+
+    std::string rewrite()
+    {
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(config.json.rewrite_json(), 0);
+        return testing::internal::GetCapturedStdout();
+    }
+
+    PlixLoadedConfig config;
+    std::string store;
+    std::string output;
+};
+} // namespace
+
+TEST_F(PlixJsonModifierTest, WithoutPanelFilesGetValueAndRewriteDoNothing)
+{
+    config.load("<DataSet ID=\"d\">" + value("n", "int", "general.count") + "</DataSet>");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(config.json.get_value(&config.value("d/n")), 0);
+    EXPECT_EQ(config.json.rewrite_json(), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(config.value("d/n").getJsonNode(), nullptr);
+}
+
+TEST_F(PlixJsonModifierTest, ReadingLogsThePathAndSetsNodeAndContent)
+{
+    loadAndRead(value("n", "int", "general.count"));
+    Lines lines = PlixLoadedConfig::lines(output);
+    ASSERT_GE(lines.size(), 2u);
+    EXPECT_EQ(lines[lines.size() - 2], "[NOT] Read json value under path: general.count");
+    EXPECT_EQ(lines.back(), "default mvalue 42");
+    EXPECT_EQ(contentOf("n"), PlixVariant(42));
+    ASSERT_NE(config.value("d/n").getJsonNode(), nullptr);
+    EXPECT_TRUE(config.value("d/n").getJsonNode()->IsNumber());
+}
+
+TEST_F(PlixJsonModifierTest, IntValueUnderAStringNodeGetsTheIntAndIsWrittenBackAsString)
+{
+    loadAndRead(value("n", "int", "text.number"));
+    EXPECT_EQ(contentOf("n"), PlixVariant(17));
+    PlixValue& n = config.value("d/n");
+    n.setValue(PlixVariant(18));
+    testing::internal::CaptureStdout();
+    n.changeJsonNode();
+    testing::internal::GetCapturedStdout();
+    rewrite();
+    EXPECT_NE(config.dir.read("store.json").find("\"number\": \"18\""), std::string::npos);
+}
+
+TEST_F(PlixJsonModifierTest, DoubleValueUnderANumberNodeGetsTheDoubleAndIsWrittenBackAsNumber)
+{
+    loadAndRead(value("r", "double", "general.ratio"));
+    EXPECT_EQ(contentOf("r"), PlixVariant(2.5));
+    PlixValue& r = config.value("d/r");
+    r.setValue(PlixVariant(3.25));
+    testing::internal::CaptureStdout();
+    r.changeJsonNode();
+    testing::internal::GetCapturedStdout();
+    rewrite();
+    EXPECT_NE(config.dir.read("store.json").find("\"ratio\": 3.25,"), std::string::npos);
+}
+
+TEST_F(PlixJsonModifierTest, StringValueUnderABoolNodeGetsABoolContent)
+{
+    loadAndRead(value("e", "string", "general.enabled"));
+    EXPECT_EQ(contentOf("e"), PlixVariant(true));
+}
+
+TEST_F(PlixJsonModifierTest, IntValueUnderANumberNodeGetsTheInt)
+{
+    loadAndRead(value("n", "int", "general.count"));
+    EXPECT_EQ(contentOf("n").getDataType(), PlixVariant::INT);
+}
+
+TEST_F(PlixJsonModifierTest, FloatValueUnderAStringNodeReadsTheTextAsDouble)
+{
+    loadAndRead(value("f", "float", "text.real"));
+    EXPECT_EQ(contentOf("f"), PlixVariant(0.5));
+}
+
+TEST_F(PlixJsonModifierTest, BoolValueUnderAStringNodeIsTrueOnlyForTrue)
+{
+    loadAndRead(value("t", "bool", "text.flag") + value("y", "bool", "text.other"));
+    EXPECT_EQ(contentOf("t"), PlixVariant(true));
+    EXPECT_EQ(contentOf("y"), PlixVariant(false));
+}
+
+TEST_F(PlixJsonModifierTest, StringValueUnderAStringNodeGetsTheText)
+{
+    loadAndRead(value("s", "string", "general.name"));
+    EXPECT_EQ(contentOf("s"), PlixVariant("alpha"));
+}
+
+TEST_F(PlixJsonModifierTest, PasswordValueUnderAStringNodeTakesTheStoredForm)
+{
+    loadAndRead(value("p", "password,sha256,10", "secret"));
+    EXPECT_EQ(contentOf("p").getDataType(), PlixVariant::PASSWORD);
+    EXPECT_EQ(contentOf("p").asPlixPassword().getHashedPassword(), "stored-form");
+}
+
+TEST_F(PlixJsonModifierTest, UnknownTypeUnderAStringNodeSetsNoContent)
+{
+    loadAndRead(value("u", "uint8", "general.name"));
+    EXPECT_EQ(contentOf("u").getDataType(), PlixVariant::NONE);
+    EXPECT_NE(config.value("d/u").getJsonNode(), nullptr);
+}
+
+TEST_F(PlixJsonModifierTest, StringValueUnderANumberNodeSetsNoContent)
+{
+    loadAndRead(value("s", "string", "general.count"));
+    EXPECT_EQ(contentOf("s").getDataType(), PlixVariant::NONE);
+}
+
+TEST_F(PlixJsonModifierTest, ObjectArrayAndNullNodesSetNoContent)
+{
+    loadAndRead(value("o", "string", "general") + value("a", "int", "list") +
+                value("z", "string", "/list/2/three"));
+    EXPECT_EQ(contentOf("o").getDataType(), PlixVariant::NONE);
+    EXPECT_EQ(contentOf("a").getDataType(), PlixVariant::NONE);
+    EXPECT_EQ(contentOf("z").getDataType(), PlixVariant::NONE);
+}
+
+TEST_F(PlixJsonModifierTest, ASecondValueWithTheSameJpathSharesContentAndNode)
+{
+    loadAndRead(value("a", "int", "general.count") + value("b", "int", "general.count"));
+    PlixValue& a = config.value("d/a");
+    PlixValue& b = config.value("d/b");
+    EXPECT_EQ(b.getValuePtr(), a.getValuePtr());
+    EXPECT_EQ(b.getJsonNode(), a.getJsonNode());
+    Lines lines = PlixLoadedConfig::lines(output);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(),
+                         "[NOT] Read json value under path: general.count"),
+              1);
+}
+
+TEST_F(PlixJsonModifierTest, ALinkedValueIsNotLookedUpInItsOwnFile)
+{
+    std::string empty = config.dir.write("empty.json", "{}");
+    testing::internal::CaptureStdout();
+    config.load(panel() + "<Panel_file name=\"empty\">" + empty + "</Panel_file>" +
+                "<DataSet ID=\"d\"><File>store</File>" + value("a", "string", "general.name") +
+                "</DataSet><DataSet ID=\"e\"><File>empty</File>" +
+                value("b", "string", "general.name") + "</DataSet>");
+    config.readAll();
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(config.value("e/b").getValue(), PlixVariant("alpha"));
+}
+
+TEST_F(PlixJsonModifierTest, JsonFileThatCannotBeReadEndsWithStatus1)
+{
+    std::string missing = config.dir.path("missing.json");
+    EXPECT_EXIT(
+        {
+            PlixLoadedConfig::stdoutToStderr();
+            config.load("<Panel_file name=\"gone\">" + missing + "</Panel_file>");
+        },
+        testing::ExitedWithCode(1),
+        PlixLoadedConfig::endsWithLines(
+            {"[NOT] Finished parsing " + config.dir.path("config.xml"),
+             "[ERR] cannot open .json file: gone under path " + missing,
+             "[NFO] Shutting down plix!"}));
+}
+
+TEST_F(PlixJsonModifierTest, JsonFileThatDoesNotParseEndsWithStatus1)
+{
+    std::string broken = config.dir.write("broken.json", "{\"a\": ");
+    EXPECT_EXIT(
+        {
+            PlixLoadedConfig::stdoutToStderr();
+            config.load("<Panel_file name=\"broken\">" + broken + "</Panel_file>");
+        },
+        testing::ExitedWithCode(1),
+        PlixLoadedConfig::endsWithLines(
+            {"[ERR] cannot open .json file: broken under path " + broken,
+             "[NFO] Shutting down plix!"}));
+}
+
+TEST_F(PlixJsonModifierTest, JpathNotFoundEndsWithStatus5)
+{
+    EXPECT_EXIT(
+        {
+            PlixLoadedConfig::stdoutToStderr();
+            loadAndReadUncaptured(value("ip", "string", "general.missing"));
+        },
+        testing::ExitedWithCode(5),
+        PlixLoadedConfig::endsWithLines(
+            {"[NOT] Read json value under path: general.missing",
+             "[ERR] Could not find json-Node in store under Path : general.missing",
+             "[ERR] Wrong Path was declared in config-xml under d/ip",
+             "[NFO] Shutting down plix!"}));
+}
+
+TEST_F(PlixJsonModifierTest, ChangedFileIsRewrittenWithItsMemberOrderKept)
+{
+    loadAndRead(value("s", "string", "general.name"));
+    config.value("d/s").getJsonNode()->AsValue().Set(std::string("beta"));
+    config.dataSet("d").getFile()->setReWrite();
+    EXPECT_EQ(PlixLoadedConfig::lines(rewrite()), Lines{"[NFO] Rewriting " + store});
+    EXPECT_FALSE(config.dataSet("d").getFile()->rewrite());
+    std::string written = config.dir.read("store.json");
+    EXPECT_EQ(written.rfind("{\n    \"general\": {\n        \"count\": 42,\n"
+                            "        \"ratio\": 2.5,\n",
+                            0),
+              0u);
+    EXPECT_LT(written.find("\"general\""), written.find("\"text\""));
+    EXPECT_LT(written.find("\"list\""), written.find("\"secret\""));
+    EXPECT_NE(written.find("\"name\": \"beta\""), std::string::npos);
+    EXPECT_EQ(written.back(), '\n');
+}
+
+TEST_F(PlixJsonModifierTest, UnchangedFileIsNotWritten)
+{
+    loadAndRead(value("s", "string", "general.name"));
+    config.value("d/s").getJsonNode()->AsValue().Set(std::string("beta"));
+    EXPECT_EQ(rewrite(), "");
+    EXPECT_EQ(config.dir.read("store.json"), storeJson);
+}
+
+TEST_F(PlixJsonModifierTest, ReadOnlyFileIsNeverWrittenAndKeepsItsRewriteFlag)
+{
+    loadAndRead(value("s", "string", "general.name"), "read_only");
+    config.value("d/s").getJsonNode()->AsValue().Set(std::string("beta"));
+    config.dataSet("d").getFile()->setReWrite();
+    EXPECT_EQ(rewrite(), "");
+    EXPECT_TRUE(config.dataSet("d").getFile()->rewrite());
+    EXPECT_EQ(config.dir.read("store.json"), storeJson);
+}
+
+TEST_F(PlixJsonModifierTest, FailedWriteIsLoggedAndRewriteStillReturns0)
+{
+    loadAndRead(value("s", "string", "general.name"));
+    std::filesystem::remove(store);
+    std::filesystem::create_directory(store);
+    std::filesystem::create_directory(store + "/keep");
+    config.dataSet("d").getFile()->setReWrite();
+    Lines lines = PlixLoadedConfig::lines(rewrite());
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0], "[NFO] Rewriting " + store);
+    EXPECT_EQ(lines[1].rfind("[ERR] Could not write " + store + ": ", 0), 0u) << lines[1];
+    EXPECT_TRUE(std::filesystem::is_directory(store + "/keep"));
+}

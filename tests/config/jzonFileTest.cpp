@@ -1,0 +1,200 @@
+#include "PlixConfigTestDir.h"
+#include "PlixLoadedConfig.h"
+#include "jzonFile.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace {
+const char* document = R"({
+  "network": {"eth0": {"ip": "10.0.0.1"}},
+  "ports": {"list": [80, 443, {"name": "alt"}]},
+  "a/b": {"c~d": 1},
+  "digits": {"0": "member"},
+  "": "empty"
+})";
+
+bool writeWithFileSizeLimit(jzonFile& file, rlim_t bytes)
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit limit;
+    limit.rlim_cur = bytes;
+    limit.rlim_max = bytes;
+    setrlimit(RLIMIT_FSIZE, &limit);
+    return file.write();
+}
+
+class jzonFileTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        path = dir.write("store.json", document);
+        file = std::make_unique<jzonFile>(path);
+        ASSERT_TRUE(file->read());
+    }
+
+    std::string textAt(const std::string& jpath)
+    {
+        Jzon::Node* node = file->findNode(jpath);
+        return node == nullptr ? "<none>" : node->ToString();
+    }
+
+    bool writeQuietly()
+    {
+        testing::internal::CaptureStdout();
+        bool written = file->write();
+        testing::internal::GetCapturedStdout();
+        return written;
+    }
+
+    PlixConfigTestDir dir;
+    std::string path;
+    std::unique_ptr<jzonFile> file;
+};
+} // namespace
+
+TEST_F(jzonFileTest, DottedPathNamesNestedMembers)
+{
+    EXPECT_EQ(textAt("network.eth0.ip"), "10.0.0.1");
+}
+
+TEST_F(jzonFileTest, DottedPathDigitSegmentIndexesAnArray)
+{
+    EXPECT_EQ(textAt("ports.list.1"), "443");
+    EXPECT_EQ(textAt("ports.list.2.name"), "alt");
+}
+
+TEST_F(jzonFileTest, DottedPathDigitSegmentNamesAMemberOfAnObject)
+{
+    EXPECT_EQ(textAt("digits.0"), "member");
+}
+
+TEST_F(jzonFileTest, JsonPointerNamesNestedMembersAndArrayElements)
+{
+    EXPECT_EQ(textAt("/network/eth0/ip"), "10.0.0.1");
+    EXPECT_EQ(textAt("/ports/list/0"), "80");
+}
+
+TEST_F(jzonFileTest, JsonPointerUnescapesSlashAndTilde)
+{
+    EXPECT_EQ(textAt("/a~1b/c~0d"), "1");
+}
+
+TEST_F(jzonFileTest, JsonPointerSlashAloneNamesTheEmptyMember)
+{
+    EXPECT_EQ(textAt("/"), "empty");
+}
+
+TEST_F(jzonFileTest, PathsThatDoNotResolveNameNoNode)
+{
+    for (const char* jpath : {"network.eth1.ip", "ports.list.3", "ports.list.01", "ports.list.-1",
+                              "network.eth0.ip.more", "/network/eth1", "/ports/list/-",
+                              "/ports/list/01", "/a~2b", "/a~", "network..eth0", "ports.list.x"}) {
+        EXPECT_EQ(file->findNode(jpath), nullptr) << jpath;
+    }
+}
+
+TEST_F(jzonFileTest, TheSameElementAlwaysGivesTheSameNode)
+{
+    Jzon::Node* first = file->findNode("network.eth0.ip");
+    EXPECT_EQ(file->findNode("/network/eth0/ip"), first);
+    EXPECT_NE(file->findNode("ports.list.0"), first);
+}
+
+TEST_F(jzonFileTest, NodesKeepTheirIdentityAcrossSetsAndWrites)
+{
+    Jzon::Node* node = file->findNode("ports.list.0");
+    node->AsValue().Set(std::string("eighty"));
+    ASSERT_TRUE(writeQuietly());
+    EXPECT_EQ(file->findNode("ports.list.0"), node);
+    EXPECT_EQ(node->ToString(), "eighty");
+}
+
+TEST_F(jzonFileTest, ReadFailsForAMissingFile)
+{
+    EXPECT_FALSE(jzonFile(dir.path("missing.json")).read());
+}
+
+TEST_F(jzonFileTest, ReadFailsForTextThatIsNotJson)
+{
+    EXPECT_FALSE(jzonFile(dir.write("bad.json", "{\"a\": tru}")).read());
+}
+
+TEST_F(jzonFileTest, ReadFailsForADirectory)
+{
+    EXPECT_FALSE(jzonFile(dir.path()).read());
+}
+
+TEST_F(jzonFileTest, ReadRefusesAFifoWithoutBlocking)
+{
+    ASSERT_EQ(mkfifo(dir.path("fifo").c_str(), 0600), 0);
+    EXPECT_FALSE(jzonFile(dir.path("fifo")).read());
+}
+
+TEST_F(jzonFileTest, UnresolvedDocumentFindsNothingAfterAFailedRead)
+{
+    jzonFile bad(dir.write("bad.json", "["));
+    EXPECT_FALSE(bad.read());
+    EXPECT_EQ(bad.findNode("/"), nullptr);
+    EXPECT_EQ(bad.findNode("a"), nullptr);
+}
+
+TEST_F(jzonFileTest, WriteKeepsMemberOrderWithFourSpaceIndentAndAFinalLineFeed)
+{
+    jzonFile small(dir.write("small.json", R"({"z": 1, "a": [true, null], "m": "x"})"));
+    ASSERT_TRUE(small.read());
+    small.findNode("a.0")->AsValue().Set(false);
+    testing::internal::CaptureStdout();
+    ASSERT_TRUE(small.write());
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(dir.read("small.json"), "{\n    \"z\": 1,\n    \"a\": [\n        false,\n        null\n"
+                                      "    ],\n    \"m\": \"x\"\n}\n");
+}
+
+TEST_F(jzonFileTest, WriteKeepsTheFileMode)
+{
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    ASSERT_TRUE(writeQuietly());
+    struct stat status;
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0640u);
+}
+
+TEST_F(jzonFileTest, WriteLeavesNoTemporaryFileBehind)
+{
+    ASSERT_TRUE(writeQuietly());
+    auto entries = std::distance(std::filesystem::directory_iterator(dir.path()),
+                                 std::filesystem::directory_iterator());
+    EXPECT_EQ(entries, 1);
+}
+
+TEST_F(jzonFileTest, WriteOverAPathTurnedIntoADirectoryFailsAndLogs)
+{
+    std::filesystem::remove(path);
+    std::filesystem::create_directory(path);
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(file->write());
+    std::string output = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(output.rfind("[ERR] Could not write " + path + ": ", 0), 0u) << output;
+    EXPECT_TRUE(std::filesystem::is_directory(path));
+}
+
+// The file size limit makes the new text fail to reach the disk while the
+// old file stays where it is: the one way, for root too, to fail mid-write.
+TEST_F(jzonFileTest, FailedWriteLeavesTheOldFileIntact)
+{
+    file->findNode("network.eth0.ip")->AsValue().Set(std::string(4096, 'x'));
+    std::string old = dir.read("store.json");
+    EXPECT_EXIT(
+        {
+            PlixLoadedConfig::stdoutToStderr();
+            bool written = writeWithFileSizeLimit(*file, 1024);
+            std::exit(!written && dir.read("store.json") == old ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "\\[ERR\\] Could not write .*store\\.json: ");
+}
