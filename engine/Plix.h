@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PlixClientTimeout.h"
 #include "PlixJsonModifier.h"
 #include "PlixValue.h"
 #include "PlixVariant.h"
@@ -61,4 +62,32 @@ public:
     int verify(std::string client, std::string xml_id, bool value);
 
     void triggerOnChange();
+
+private:
+    bool transactionOpen() const;
+    bool isHolder(const std::string& caller) const;
+    void readValuesFromJson();
+
+    template <typename T>
+    int readTyped(const char* operation, const std::string& client, const std::string& xml_id, T& value,
+                  bool transient);
+    int getvalue_template(std::string client, std::string xml_id, PlixVariant& out);
+    int getvalue_transtient_template(std::string client, std::string xml_id, PlixVariant& out);
+
+    int setvalue_template(std::string client, std::string xml_id, PlixVariant value);
+    int setvalue_transient_template(std::string client, std::string xml_id, PlixVariant value);
+    int verify_template(std::string client, std::string xml_id, PlixVariant value);
+    int applyTransient(PlixValue& value);
+
+    std::string client;
+    std::unique_ptr<PlixXML_Parser> xmlParser;
+    PlixJsonModifier jsonModifier;
+    std::vector<PlixDataSet*> dataSets;
+    ValueMap values;
+    std::vector<ValueMap::iterator> changedValues;
+    bool persistent;
+    std::string xmlConfigPath;
+    bool configured;
+    bool triggerOnStart;
+    PlixClientTimeout timeout;
 };

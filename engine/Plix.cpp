@@ -1,0 +1,452 @@
+#include "Plix.h"
+
+#include "PlixChangeActions.h"
+#include "PlixCommandLine.h"
+#include "PlixCommit.h"
+#include "PlixDataSet.h"
+#include "PlixExit.h"
+#include "PlixLog.h"
+#include "PlixValueInput.h"
+#include "PlixXML_Parser.h"
+
+#include <algorithm>
+#include <csignal>
+
+namespace {
+
+// The client name the idle engine holds; no bus name looks like it.
+const char* const idleClient = "-";
+const char* const programName = "dbus-ex-plix";
+const char* const defaultConfigPath = "/etc/orvanta/plix/plix_config.xml";
+// The value table is filled once at start-up; this is its initial size.
+constexpr std::size_t valueTableBuckets = 11;
+
+void fromVariant(const PlixVariant& variant, bool& out)
+{
+    out = variant.asBool();
+}
+
+void fromVariant(const PlixVariant& variant, int& out)
+{
+    out = variant.asInt();
+}
+
+void fromVariant(const PlixVariant& variant, double& out)
+{
+    out = variant.asDouble();
+}
+
+void fromVariant(const PlixVariant& variant, std::string& out)
+{
+    out = variant.asString();
+}
+
+} // namespace
+
+Plix* Plix::getInstance()
+{
+    static Plix* const instance = new Plix();
+    return instance;
+}
+
+Plix::Plix()
+    : client(idleClient), values(valueTableBuckets), persistent(true), configured(false), triggerOnStart(false),
+      timeout([this] { client_timeout(SIGALRM); })
+{
+    PlixClientTimeout::installSignalHandler(&Plix::client_timeout_proxy);
+}
+
+// The parser owns the data sets, validators and actions that the values
+// point to, so it goes first; the values never touch them when destroyed.
+Plix::~Plix()
+{
+    xmlParser.reset();
+}
+
+void Plix::configure(int argc, char** argv)
+{
+    plixLog(LOG_INFO, "Configuring Plix");
+    const PlixCommandLine options(argc, argv);
+    if (options.usageRequested()) {
+        print_usage();
+    }
+    triggerOnStart = options.triggerOnStart();
+    xmlConfigPath = options.configPath();
+    if (!options.pathGiven()) {
+        xmlConfigPath = defaultConfigPath;
+        plixLog(LOG_INFO, "No XML-file specified for Plix. Taking default XML-file, path: %s",
+                xmlConfigPath.c_str());
+    }
+    // The model is built once; later calls only re-read the stored values.
+    if (!configured) {
+        xmlParser = std::make_unique<PlixXML_Parser>(xmlConfigPath, "not_created_yet", &values, &jsonModifier,
+                                                     &dataSets);
+        configured = true;
+    }
+    readValuesFromJson();
+    if (triggerOnStart) {
+        triggerOnChange();
+    }
+}
+
+void Plix::print_usage()
+{
+    plixTrace("\nUsage: %s [OPTION]\n\n", programName);
+    plixTrace("Options:\n");
+    plixTrace("  -s      triggering all onChangeHandler on startup\n");
+    plixTrace("  -c FILENAME     uses the xml under this certain path to configure plix\n");
+    plixTrace("\n\n");
+    plixExit(1);
+}
+
+// A linked value takes the content of the value it shares a jpath with, so
+// every value that owns its content is read before any linked one.
+void Plix::readValuesFromJson()
+{
+    for (const bool linkedPass : {false, true}) {
+        for (auto& entry : values) {
+            PlixValue& value = entry.second;
+            if (value.inJson() && value.valueInJsonWillBeReadFromPreviousPlixValue() == linkedPass) {
+                jsonModifier.get_value(&value);
+            }
+        }
+    }
+}
+
+bool Plix::transactionOpen() const
+{
+    return client != idleClient;
+}
+
+bool Plix::isHolder(const std::string& caller) const
+{
+    return transactionOpen() && caller == client;
+}
+
+int Plix::transactionStart(std::string client, bool persistent)
+{
+    plixLog(LOG_NOTICE, "transactionStart client: %s persistent: %s", client.c_str(), persistent ? "true" : "false");
+    if (transactionOpen()) {
+        plixLog(LOG_WARNING, "Plix is currently busy with another transaction!");
+        return 8;
+    }
+    this->client = std::move(client);
+    this->persistent = persistent;
+    plixLog(LOG_INFO, "Service registered!");
+    timeout.arm();
+    return 0;
+}
+
+int Plix::transactionStop(std::string client)
+{
+    plixLog(LOG_NOTICE, "transactionStop client: %s ", client.c_str());
+    if (!isHolder(client)) {
+        plixLog(LOG_WARNING, "Client is not registered.");
+        return 4;
+    }
+    timeout.cancel();
+    if (changedValues.empty()) {
+        clear_plix();
+        return 0;
+    }
+    std::vector<PlixValue*> changed;
+    for (const ValueMap::iterator& entry : changedValues) {
+        changed.push_back(&entry->second);
+    }
+    const unsigned result = PlixCommit(changed, dataSets).run(persistent, jsonModifier);
+    // On success the changed values are committed here: the place where
+    // observers of committed changes are to be told.
+    clear_plix();
+    return static_cast<int>(result);
+}
+
+void Plix::clear_plix()
+{
+    plixLog(LOG_NOTICE, "Clearing PLIX to be ready for new transactions");
+    for (PlixDataSet* dataSet : dataSets) {
+        dataSet->resetVerify();
+    }
+    changedValues.clear();
+    client = idleClient;
+    persistent = true;
+    timeout.cancel();
+}
+
+void Plix::client_timeout(int)
+{
+    plixLog(LOG_NOTICE, "Client timeout!");
+    clear_plix();
+}
+
+void Plix::client_timeout_proxy(int)
+{
+    PlixClientTimeout::signalExpiry();
+}
+
+int Plix::check_for_duplicate_change_values(ValueMap::iterator value)
+{
+    const auto earlier = std::find(changedValues.begin(), changedValues.end(), value);
+    if (earlier == changedValues.end()) {
+        return 0;
+    }
+    changedValues.erase(earlier);
+    plixLog(LOG_NOTICE, "SetValue with same XML-ID was already called this transaction. Taking last parameters "
+                        "and erasing the ones before");
+    return 1;
+}
+
+void Plix::triggerOnChange()
+{
+    plixLog(LOG_NOTICE, "Triggering all onChange handler");
+    for (const auto& entry : values) {
+        PlixChangeActions::runAtStart(entry.second);
+    }
+    for (const PlixDataSet* dataSet : dataSets) {
+        PlixChangeActions::runAtStart(*dataSet);
+    }
+}
+
+template <typename T>
+int Plix::readTyped(const char* operation, const std::string& client, const std::string& xml_id, T& value,
+                    bool transient)
+{
+    plixLog(LOG_NOTICE, "%s client: %s xml_id: %s", operation, client.c_str(), xml_id.c_str());
+    PlixVariant probe{T{}};
+    const int result = transient ? getvalue_transtient_template(client, xml_id, probe)
+                                 : getvalue_template(client, xml_id, probe);
+    if (result == 0) {
+        fromVariant(probe, value);
+    }
+    return result;
+}
+
+int Plix::getvalue_template(std::string client, std::string xml_id, PlixVariant& out)
+{
+    if (!transactionOpen()) {
+        plixLog(LOG_WARNING, "No transaction with plix active");
+        return 4;
+    }
+    if (client != this->client) {
+        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s", this->client.c_str());
+        return 4;
+    }
+    const auto entry = values.find(xml_id);
+    if (entry == values.end()) {
+        plixLog(LOG_WARNING, "%s is not declared in the xml", xml_id.c_str());
+        clear_plix();
+        return 9;
+    }
+    const PlixVariant stored = entry->second.getValue();
+    plixTrace("Read value: %s with type %d\n", stored.getAsString().c_str(), stored.getDataType());
+    if (stored.getDataType() != out.getDataType()) {
+        clear_plix();
+        plixLog(LOG_WARNING, "Requested wrong datatype for %s", xml_id.c_str());
+        return 11;
+    }
+    timeout.arm();
+    out = stored;
+    return 0;
+}
+
+int Plix::getvalue_transtient_template(std::string, std::string xml_id, PlixVariant& out)
+{
+    const auto entry = values.find(xml_id);
+    if (entry == values.end()) {
+        return 9;
+    }
+    const PlixVariant stored = entry->second.getValue();
+    if (stored.getDataType() != out.getDataType()) {
+        plixLog(LOG_WARNING, "Requested wrong datatype for %s", xml_id.c_str());
+        return 11;
+    }
+    out = stored;
+    return 0;
+}
+
+int Plix::getBoolValue(std::string client, std::string xml_id, bool& value)
+{
+    return readTyped("getBoolValue", client, xml_id, value, false);
+}
+
+int Plix::getIntValue(std::string client, std::string xml_id, int& value)
+{
+    return readTyped("getIntValue", client, xml_id, value, false);
+}
+
+int Plix::getDoubleValue(std::string client, std::string xml_id, double& value)
+{
+    return readTyped("getDoubleValue", client, xml_id, value, false);
+}
+
+int Plix::getStringValue(std::string client, std::string xml_id, std::string& value)
+{
+    return readTyped("getStringValue", client, xml_id, value, false);
+}
+
+int Plix::getBoolValueTransient(std::string client, std::string xml_id, bool& value)
+{
+    return readTyped("getBoolValueTransient", client, xml_id, value, true);
+}
+
+int Plix::getIntValueTransient(std::string client, std::string xml_id, int& value)
+{
+    return readTyped("getIntValueTransient", client, xml_id, value, true);
+}
+
+int Plix::getDoubleValueTransient(std::string client, std::string xml_id, double& value)
+{
+    return readTyped("getDoubleValueTransient", client, xml_id, value, true);
+}
+
+int Plix::getStringValueTransient(std::string client, std::string xml_id, std::string& value)
+{
+    return readTyped("getStringValueTransient", client, xml_id, value, true);
+}
+
+int Plix::setvalue_template(std::string client, std::string xml_id, PlixVariant value)
+{
+    if (!isHolder(client)) {
+        plixLog(LOG_WARNING, "PLIX is busy");
+        return 4;
+    }
+    const auto entry = values.find(xml_id);
+    if (entry == values.end()) {
+        clear_plix();
+        plixLog(LOG_WARNING, "%s is not declared in the xml", xml_id.c_str());
+        return 9;
+    }
+    PlixValue& target = entry->second;
+    if (PlixValueInput::refusedAsReadOnly(target)) {
+        clear_plix();
+        return 15;
+    }
+    const unsigned result = target.setWantedSetValue(
+        PlixValueInput::storedForm("setValue", client, xml_id, target, value, target.getValueType()));
+    if (result != 0) {
+        clear_plix();
+        plixLog(LOG_WARNING, "SetValue failed");
+        return static_cast<int>(result);
+    }
+    timeout.arm();
+    const int replaced = check_for_duplicate_change_values(entry);
+    changedValues.push_back(entry);
+    return replaced;
+}
+
+int Plix::setvalue_transient_template(std::string client, std::string xml_id, PlixVariant value)
+{
+    if (transactionOpen()) {
+        plixLog(LOG_WARNING, "PLIX is busy");
+        return 8;
+    }
+    const auto entry = values.find(xml_id);
+    if (entry == values.end()) {
+        plixLog(LOG_WARNING, "%s is not declared in the xml", xml_id.c_str());
+        return 9;
+    }
+    PlixValue& target = entry->second;
+    if (PlixValueInput::refusedAsReadOnly(target)) {
+        return 15;
+    }
+    const unsigned result = target.setWantedSetValue(PlixValueInput::storedForm(
+        "setValueTransient", client, xml_id, target, value, PlixValueInput::transientPasswordType(target)));
+    if (result != 0) {
+        return static_cast<int>(result);
+    }
+    target.setValue(target.getWantedSetValue());
+    // A result of 0 means the value is applied: the place where observers of
+    // applied changes are to be told.
+    return applyTransient(target);
+}
+
+int Plix::applyTransient(PlixValue& value)
+{
+    const unsigned result = PlixChangeActions::runOnChange(value);
+    if (result != 0) {
+        value.setBackToOldValue();
+        plixLog(LOG_WARNING, "Triggering onChange with Value %s failed.", value.getName().c_str());
+    }
+    return static_cast<int>(result);
+}
+
+int Plix::verify_template(std::string client, std::string xml_id, PlixVariant value)
+{
+    if (!transactionOpen()) {
+        plixLog(LOG_WARNING, "No transaction with plix active");
+        return 4;
+    }
+    if (client != this->client) {
+        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s", this->client.c_str());
+        return 8;
+    }
+    const auto entry = values.find(xml_id);
+    if (entry == values.end()) {
+        clear_plix();
+        plixLog(LOG_WARNING, "%s is not declared in the xml", xml_id.c_str());
+        return 9;
+    }
+    PlixValueInput::logVerify(client, xml_id, entry->second);
+    const int result = PlixValueInput::compare(xml_id, entry->second, value);
+    timeout.arm();
+    return result;
+}
+
+int Plix::setBoolValue(std::string client, std::string xml_id, bool value)
+{
+    return setvalue_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
+
+int Plix::setIntValue(std::string client, std::string xml_id, int value)
+{
+    return setvalue_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
+
+int Plix::setDoubleValue(std::string client, std::string xml_id, double value)
+{
+    return setvalue_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
+
+int Plix::setStringValue(std::string client, std::string xml_id, std::string value)
+{
+    return setvalue_template(std::move(client), std::move(xml_id), PlixVariant(std::move(value)));
+}
+
+int Plix::setBoolValueTransient(std::string client, std::string xml_id, bool value)
+{
+    return setvalue_transient_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
+
+int Plix::setIntValueTransient(std::string client, std::string xml_id, int value)
+{
+    return setvalue_transient_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
+
+int Plix::setDoubleValueTransient(std::string client, std::string xml_id, double value)
+{
+    return setvalue_transient_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
+
+int Plix::setStringValueTransient(std::string client, std::string xml_id, std::string value)
+{
+    return setvalue_transient_template(std::move(client), std::move(xml_id), PlixVariant(std::move(value)));
+}
+
+int Plix::verify(std::string client, std::string xml_id, std::string value)
+{
+    return verify_template(std::move(client), std::move(xml_id), PlixVariant(std::move(value)));
+}
+
+int Plix::verify(std::string client, std::string xml_id, int value)
+{
+    return verify_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
+
+int Plix::verify(std::string client, std::string xml_id, double value)
+{
+    return verify_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
+
+int Plix::verify(std::string client, std::string xml_id, bool value)
+{
+    return verify_template(std::move(client), std::move(xml_id), PlixVariant(value));
+}
