@@ -3,6 +3,7 @@
 #include "PlixDataSetMember.h"
 #include "PlixLog.h"
 #include "PlixSysconfigCaller.h"
+#include "PlixNumber.h"
 
 #include <cstdlib>
 
@@ -37,7 +38,7 @@ void PlixDataSetOnChangeSysconfigNetwork::parseIPTypeStringToInt(std::string tex
     for (int part = 0; part < recordFieldBytes; ++part) {
         const std::string::size_type dot = text.find('.', start);
         const std::string piece = text.substr(start, dot == std::string::npos ? std::string::npos : dot - start);
-        out[part] = static_cast<unsigned char>(std::strtol(piece.c_str(), nullptr, 10));
+        out[part] = static_cast<unsigned char>(plixStrtoInt(piece.c_str()));
         if (dot == std::string::npos) {
             return;
         }

@@ -6,6 +6,7 @@
 #include "PlixShutDown.h"
 #include "PlixValue.h"
 #include "jzonFile.h"
+#include "PlixNumber.h"
 
 #include <cstdlib>
 
@@ -24,7 +25,7 @@ bool contentOfString(const std::string& text, const std::string& type, PlixVaria
     } else if (type.find("password") != std::string::npos) {
         content = PlixVariant(PlixPassword(text, type, false));
     } else if (type == "int") {
-        content = PlixVariant(static_cast<int>(std::strtol(text.c_str(), nullptr, 10)));
+        content = PlixVariant(plixStrtoInt(text.c_str()));
     } else if (type == "bool") {
         content = PlixVariant(text == "true");
     } else if (isDoubleType(type)) {

@@ -14,6 +14,7 @@
 #include "PlixTolvarixPasswordValidator.h"
 #include "PlixValue.h"
 #include "PlixXML_Attributes.h"
+#include "PlixNumber.h"
 
 #include <cstdlib>
 #include <functional>
@@ -26,7 +27,7 @@ using DataSetFactory = std::function<std::unique_ptr<PlixDatasetValidator>(PlixD
 // Bounds are read with strtol rules: base 10, "abc" gives 0.
 int toInt(const char* text)
 {
-    return static_cast<int>(std::strtol(text, nullptr, 10));
+    return plixStrtoInt(text);
 }
 
 template <typename Validator>

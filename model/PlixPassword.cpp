@@ -1,4 +1,5 @@
 #include "PlixPassword.h"
+#include "PlixNumber.h"
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
@@ -69,7 +70,7 @@ PlixPassword::PlixPassword(std::string text, std::string config, bool hash)
     const std::string::size_type first = config.find(',');
     const std::string::size_type second = config.find(',', first + 1);
     digestName = config.substr(first + 1, second - first - 1);
-    iterations = static_cast<int>(std::strtol(config.substr(second + 1).c_str(), nullptr, 10));
+    iterations = plixStrtoInt(config.substr(second + 1).c_str());
     plainTextLength = static_cast<int>(text.size());
     if (text.empty() || !hash) {
         hashedPassword = text;
@@ -92,6 +93,11 @@ bool PlixPassword::operator==(std::string candidate) const
     const std::string saltHex = hashedPassword.substr(hashedPassword.size() - saltHexLength);
     const std::string stored = hashedPassword.substr(0, hashedPassword.size() - saltHexLength);
     const std::string digest = hashChain(candidate, hexstring_to_string(saltHex));
+    // An unknown digest name hashes every text to nothing; such a password
+    // would accept any candidate, so it accepts none.
+    if (digest.empty()) {
+        return false;
+    }
     // Constant time, so the time taken tells nothing about how much matched.
     return digest.size() == stored.size()
         && CRYPTO_memcmp(digest.data(), stored.data(), stored.size()) == 0;

@@ -4,6 +4,7 @@
 #include "PlixFile.h"
 #include "PlixLog.h"
 #include "PlixValueValidator.h"
+#include "PlixNumber.h"
 
 #include <cstdlib>
 #include <utility>
@@ -110,7 +111,7 @@ void PlixValue::setXML_Default_value(std::string text)
     if (valueType == "string") {
         setDefaultValue(PlixVariant(text));
     } else if (valueType == "int") {
-        setDefaultValue(PlixVariant(static_cast<int>(std::strtol(text.c_str(), nullptr, 10))));
+        setDefaultValue(PlixVariant(plixStrtoInt(text.c_str())));
     } else if (valueType == "bool") {
         setDefaultValue(PlixVariant(text == "true"));
     } else if (valueType == "double" || valueType == "float") {

@@ -1,4 +1,5 @@
 #include "PlixPossibleIntValuesValidator.h"
+#include "PlixNumber.h"
 
 #include <cstdlib>
 
@@ -9,7 +10,7 @@ PlixPossibleIntValuesValidator::PlixPossibleIntValuesValidator(PlixValue& value)
 
 int PlixPossibleIntValuesValidator::fromPiece(const std::string& piece) const
 {
-    return static_cast<int>(std::strtol(piece.c_str(), nullptr, 10));
+    return plixStrtoInt(piece.c_str());
 }
 
 int PlixPossibleIntValuesValidator::fromVariant(const PlixVariant& wanted) const

@@ -278,6 +278,7 @@ TEST_F(DBusInterfaceTest, PanelSignalReachesHandlerThroughASubscription)
                      nullptr);
     g_signal_connect_swapped(proxy, "applet-changed",
                              G_CALLBACK(+[](bool* flag) { *flag = true; }), &delivered);
+    PrivateBus::roundTrip(first);
 
     testing::internal::CaptureStdout();
     orvanta_zectrl_emit_applet_changed(panel, 7);
@@ -287,6 +288,34 @@ TEST_F(DBusInterfaceTest, PanelSignalReachesHandlerThroughASubscription)
     EXPECT_TRUE(delivered);
     EXPECT_EQ(output, "[NFO] applet_changed with ID: 7\n");
     g_object_unref(proxy);
+    g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(panel));
+    g_object_unref(panel);
+}
+
+TEST_F(DBusInterfaceTest, PanelSignalWithoutASubscriptionIsIgnored)
+{
+    // The watcher makes the service's own connection receive the signal, so
+    // anything of the service listening on that connection would see it too.
+    OrvantaZectrl* panel = orvanta_zectrl_skeleton_new();
+    ASSERT_TRUE(g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(panel), second,
+                                                 "/panel", nullptr));
+    bool delivered = false;
+    const guint watcher = g_dbus_connection_signal_subscribe(
+        service, nullptr, "com.orvanta.zectrl", "appletChanged", "/panel", nullptr,
+        G_DBUS_SIGNAL_FLAGS_NONE,
+        +[](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*,
+            GVariant*, gpointer flag) { *static_cast<bool*>(flag) = true; },
+        &delivered, nullptr);
+    PrivateBus::roundTrip(service);
+
+    testing::internal::CaptureStdout();
+    orvanta_zectrl_emit_applet_changed(panel, 3);
+    PrivateBus::iterateUntil(delivered);
+    const std::string output = testing::internal::GetCapturedStdout();
+
+    EXPECT_TRUE(delivered);
+    EXPECT_EQ(output.find("applet_changed"), std::string::npos) << output;
+    g_dbus_connection_signal_unsubscribe(service, watcher);
     g_dbus_interface_skeleton_unexport(G_DBUS_INTERFACE_SKELETON(panel));
     g_object_unref(panel);
 }

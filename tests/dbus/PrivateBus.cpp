@@ -1,6 +1,8 @@
 #include "PrivateBus.h"
 
 #include <chrono>
+#include <cstdlib>
+#include <unistd.h>
 
 namespace {
 // The bus gives up on a call before the wait does, so every pending call
@@ -27,16 +29,30 @@ void onReply(GObject* source, GAsyncResult* result, gpointer data)
     }
     pending->done = true;
 }
+
+GTestDBus* privateBus = nullptr;
+pid_t busOwner = 0;
+
+// The bus daemon shares the test's output; left to GLib's watcher, it may
+// outlive the test for a while and keep the test runner waiting. Only the
+// process that started it stops it, not a death test's child.
+void stopPrivateBus()
+{
+    if (privateBus != nullptr && getpid() == busOwner) {
+        g_test_dbus_down(privateBus);
+    }
+}
 } // namespace
 
 const char* PrivateBus::address()
 {
-    static GTestDBus* bus = [] {
-        GTestDBus* started = g_test_dbus_new(G_TEST_DBUS_NONE);
-        g_test_dbus_up(started);
-        return started;
-    }();
-    return g_test_dbus_get_bus_address(bus);
+    if (privateBus == nullptr) {
+        privateBus = g_test_dbus_new(G_TEST_DBUS_NONE);
+        g_test_dbus_up(privateBus);
+        busOwner = getpid();
+        std::atexit(stopPrivateBus);
+    }
+    return g_test_dbus_get_bus_address(privateBus);
 }
 
 GDBusConnection* PrivateBus::connect()
@@ -55,6 +71,18 @@ bool PrivateBus::iterateUntil(const bool& done)
         g_usleep(1000);
     }
     return done;
+}
+
+void PrivateBus::roundTrip(GDBusConnection* connection)
+{
+    // The bus handles one connection's messages in order, so the answer to
+    // this call comes after every earlier message has taken effect.
+    GVariant* reply = g_dbus_connection_call_sync(
+        connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+        "GetId", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, callTimeoutMs, nullptr, nullptr);
+    if (reply != nullptr) {
+        g_variant_unref(reply);
+    }
 }
 
 GVariant* PrivateBus::call(GDBusConnection* caller, GDBusConnection* service, const char* path,

@@ -25,6 +25,10 @@ public:
     // passes; answers done.
     static bool iterateUntil(const bool& done);
 
+    // Returns once the bus has handled everything the connection sent
+    // before, such as the match rule of a new signal subscription.
+    static void roundTrip(GDBusConnection* connection);
+
 private:
     static const char* address();
 };

@@ -225,10 +225,11 @@ TEST_F(PlixWriteTest, TransientSetMarkMakesNextCommitRunThatDataSetsActions)
 TEST_F(PlixWriteTest, TransientPasswordSetHashesWithTypeAfterFirstComma)
 {
     // "sha256,2" names the digest "2", which no library knows: the stored
-    // digest text is empty and any candidate matches it.
+    // digest text is empty, and such a password accepts no candidate.
     ASSERT_EQ(engine->setStringValueTransient("c", "a/pw", "typed"), 0);
     start();
-    EXPECT_EQ(engine->verify("client-a", "a/pw", std::string("anything")), 0);
+    EXPECT_EQ(engine->verify("client-a", "a/pw", std::string("typed")), 201);
+    EXPECT_EQ(engine->verify("client-a", "a/pw", std::string("anything")), 201);
 }
 
 TEST_F(PlixWriteTest, VerifyRightPasswordReturns0WrongReturns201AndTransactionStays)

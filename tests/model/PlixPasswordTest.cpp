@@ -124,6 +124,13 @@ TEST_F(PlixPasswordFixedSalt, UnknownDigestNameGivesEmptyDigestText)
     EXPECT_EQ(password.getHashedPassword(), FixedSalt::hex);
 }
 
+TEST_F(PlixPasswordFixedSalt, PasswordWithUnknownDigestNameAcceptsNoCandidate)
+{
+    const PlixPassword password("secret", "password,nosuchdigest,5", true);
+    EXPECT_FALSE(password == "secret");
+    EXPECT_FALSE(password == "anything");
+}
+
 TEST(PlixPassword, HashingSameTextTwiceGivesDifferentStoredFormsThatBothMatch)
 {
     const PlixPassword first("secret", "password,sha256,10", true);

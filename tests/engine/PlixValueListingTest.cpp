@@ -1,0 +1,71 @@
+#include "PlixEngineFixture.h"
+
+namespace {
+
+std::vector<std::string> idsOf(const std::vector<PlixValueListing::Entry>& entries)
+{
+    std::vector<std::string> ids;
+    for (const auto& entry : entries) {
+        ids.push_back(entry.xmlId);
+    }
+    return ids;
+}
+
+const PlixValueListing::Entry& entryNamed(const std::vector<PlixValueListing::Entry>& entries,
+                                         const std::string& xml_id)
+{
+    for (const auto& entry : entries) {
+        if (entry.xmlId == xml_id) {
+            return entry;
+        }
+    }
+    throw std::out_of_range(xml_id);
+}
+
+} // namespace
+
+using PlixValueListingTest = PlixEngineFixture;
+
+TEST_F(PlixValueListingTest, ListsEveryValueInTheOrderOfTheXmlFile)
+{
+    configureTestEngine();
+    EXPECT_THAT(idsOf(engine->listValues()),
+                ::testing::ElementsAre("a/i", "a/d", "a/s", "a/b", "a/pw", "a/n", "ports/mainport",
+                                       "ports/displayport", "ports/httpport", "prio/disconnectexistconnections",
+                                       "prio/sharedsessions", "prio/refuseconcurrentconnections", "fixed/serial",
+                                       "defaults/limit", "link/copy"));
+}
+
+TEST_F(PlixValueListingTest, GivesTheTypeTextAsDeclaredTheFileAndItsAccess)
+{
+    configureTestEngine();
+    const auto entries = engine->listValues();
+    const auto& password = entryNamed(entries, "a/pw");
+    EXPECT_EQ(password.valueType, "password,sha256,2");
+    EXPECT_EQ(password.fileName, "main");
+    EXPECT_FALSE(password.readOnly);
+    EXPECT_EQ(password.dataType, PlixVariant::PASSWORD);
+    const auto& serial = entryNamed(entries, "fixed/serial");
+    EXPECT_EQ(serial.valueType, "string");
+    EXPECT_EQ(serial.fileName, "fixed");
+    EXPECT_TRUE(serial.readOnly);
+    EXPECT_EQ(serial.dataType, PlixVariant::STRING);
+    EXPECT_EQ(entryNamed(entries, "a/d").dataType, PlixVariant::DOUBLE);
+}
+
+TEST_F(PlixValueListingTest, RepeatedDeclarationIsListedOnce)
+{
+    writeFile("main.json", R"({"a": {"i": 1, "j": 2}})");
+    writeFile("repeat.xml", R"(<plix>
+    <Panel_file name="main">DIR/main.json</Panel_file>
+    <DataSet ID="a">
+        <File>main</File>
+        <Value name="i" type="int"><jpath>a.i</jpath></Value>
+        <Value name="j" type="int"><jpath>a.j</jpath></Value>
+        <Value name="i" type="int"><jpath>a.i</jpath></Value>
+    </DataSet>
+</plix>
+)");
+    configureWith({"-c", path("repeat.xml")});
+    EXPECT_THAT(idsOf(engine->listValues()), ::testing::ElementsAre("a/i", "a/j"));
+}
