@@ -131,9 +131,11 @@ public:
     static void static_applet_changed(OrvantaZectrl* proxy, int id,
                                       gpointer userData = nullptr);
 
+    // The caller's unique bus name: the client as the engine knows it.
+    static std::string clientOf(GDBusMethodInvocation* invocation);
+
 private:
     DBusInterface();
-    static std::string clientOf(GDBusMethodInvocation* invocation);
     static int verifyVariant(const std::string& client, const std::string& id,
                              GVariant* candidate);
 

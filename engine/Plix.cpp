@@ -154,9 +154,15 @@ int Plix::transactionStop(std::string client)
         changed.push_back(&entry->second);
     }
     const unsigned result = PlixCommit(changed, dataSets).run(persistent, jsonModifier);
-    // On success the changed values are committed here: the place where
-    // observers of committed changes are to be told.
+    std::vector<std::string> changedIds;
+    for (const ValueMap::iterator& entry : changedValues) {
+        changedIds.push_back(entry->first);
+    }
+    const bool committedPersistent = persistent;
     clear_plix();
+    if (result == 0) {
+        notifyChanged(changedIds, committedPersistent);
+    }
     return static_cast<int>(result);
 }
 
@@ -354,9 +360,11 @@ int Plix::setvalue_transient_template(std::string client, std::string xml_id, Pl
         return static_cast<int>(result);
     }
     target.setValue(target.getWantedSetValue());
-    // A result of 0 means the value is applied: the place where observers of
-    // applied changes are to be told.
-    return applyTransient(target);
+    const int applied = applyTransient(target);
+    if (applied == 0) {
+        notifyChanged({xml_id}, false);
+    }
+    return applied;
 }
 
 int Plix::applyTransient(PlixValue& value)
@@ -367,6 +375,23 @@ int Plix::applyTransient(PlixValue& value)
         plixLog(LOG_WARNING, "Triggering onChange with Value %s failed.", value.getName().c_str());
     }
     return static_cast<int>(result);
+}
+
+void Plix::setChangeObserver(ChangeObserver observer)
+{
+    changeObserver = std::move(observer);
+}
+
+void Plix::notifyChanged(const std::vector<std::string>& xmlIds, bool persistent) const
+{
+    if (changeObserver) {
+        changeObserver(xmlIds, persistent);
+    }
+}
+
+std::vector<PlixValueListing::Entry> Plix::listValues() const
+{
+    return PlixValueListing::of(dataSets);
 }
 
 int Plix::verify_template(std::string client, std::string xml_id, PlixVariant value)

@@ -3,8 +3,10 @@
 #include "PlixClientTimeout.h"
 #include "PlixJsonModifier.h"
 #include "PlixValue.h"
+#include "PlixValueListing.h"
 #include "PlixVariant.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -21,6 +23,11 @@ class Plix
 {
 public:
     using ValueMap = std::unordered_map<std::string, PlixValue>;
+    // Told after every change that took effect: a commit that changed values
+    // (their XML-IDs in the order of the transaction, and its persistent
+    // flag) and a transient set (its XML-ID, persistent false).
+    using ChangeObserver =
+        std::function<void(const std::vector<std::string>& xmlIds, bool persistent)>;
 
     static Plix* getInstance();
     Plix();
@@ -63,6 +70,9 @@ public:
 
     void triggerOnChange();
 
+    void setChangeObserver(ChangeObserver observer);
+    std::vector<PlixValueListing::Entry> listValues() const;
+
 private:
     bool transactionOpen() const;
     bool isHolder(const std::string& caller) const;
@@ -78,6 +88,7 @@ private:
     int setvalue_transient_template(std::string client, std::string xml_id, PlixVariant value);
     int verify_template(std::string client, std::string xml_id, PlixVariant value);
     int applyTransient(PlixValue& value);
+    void notifyChanged(const std::vector<std::string>& xmlIds, bool persistent) const;
 
     std::string client;
     std::unique_ptr<PlixXML_Parser> xmlParser;
@@ -90,4 +101,5 @@ private:
     bool configured;
     bool triggerOnStart;
     PlixClientTimeout timeout;
+    ChangeObserver changeObserver;
 };

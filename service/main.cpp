@@ -3,6 +3,7 @@
 #include "OrvantaDBusHandler.h"
 #include "PlixDaemon.h"
 #include "PlixLog.h"
+#include "PlixMonitorInterface.h"
 #include "PlixPidFile.h"
 
 #include <glib-unix.h>
@@ -55,6 +56,9 @@ int main(int argc, char** argv)
     }
 
     OrvantaDBusType::set_configure_options(DBusInterface::getInstance(), argc, argv);
+    // Configured after the engine: it then joins the configuration interface
+    // on "/plix", so nothing of the start-up that clients see changes.
+    OrvantaDBusType::set_configure_options(PlixMonitorInterface::getInstance(), argc, argv);
 
     GMainLoop* loop = g_main_loop_new(nullptr, FALSE);
     // A termination request ends the loop, so the name is given up and every

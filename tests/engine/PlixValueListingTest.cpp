@@ -12,7 +12,7 @@ std::vector<std::string> idsOf(const std::vector<PlixValueListing::Entry>& entri
 }
 
 const PlixValueListing::Entry& entryNamed(const std::vector<PlixValueListing::Entry>& entries,
-                                         const std::string& xml_id)
+                                          const std::string& xml_id)
 {
     for (const auto& entry : entries) {
         if (entry.xmlId == xml_id) {
@@ -31,8 +31,9 @@ TEST_F(PlixValueListingTest, ListsEveryValueInTheOrderOfTheXmlFile)
     configureTestEngine();
     EXPECT_THAT(idsOf(engine->listValues()),
                 ::testing::ElementsAre("a/i", "a/d", "a/s", "a/b", "a/pw", "a/n", "ports/mainport",
-                                       "ports/displayport", "ports/httpport", "prio/disconnectexistconnections",
-                                       "prio/sharedsessions", "prio/refuseconcurrentconnections", "fixed/serial",
+                                       "ports/displayport", "ports/httpport",
+                                       "prio/disconnectexistconnections", "prio/sharedsessions",
+                                       "prio/refuseconcurrentconnections", "fixed/serial",
                                        "defaults/limit", "link/copy"));
 }
 

@@ -4,13 +4,30 @@
 #include "PlixWait.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 
 namespace {
+// PLIX_SERVICE_WRAPPER names a program (and its arguments, separated by
+// blanks) that runs the service, for instance a memory checker; the service's
+// path and arguments follow it.
+std::vector<std::string> wrapperWords()
+{
+    std::vector<std::string> words;
+    const char* wrapper = std::getenv("PLIX_SERVICE_WRAPPER");
+    std::istringstream text(wrapper != nullptr ? wrapper : "");
+    for (std::string word; text >> word;) {
+        words.push_back(word);
+    }
+    return words;
+}
+
 std::vector<std::string> withArgs(std::vector<std::string> command,
                                   const std::vector<std::string>& args)
 {
+    const auto wrapper = wrapperWords();
+    command.insert(command.end(), wrapper.begin(), wrapper.end());
     command.push_back(PLIX_SERVICE_BINARY);
     command.insert(command.end(), args.begin(), args.end());
     return command;

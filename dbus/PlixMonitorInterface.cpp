@@ -1,0 +1,201 @@
+#include "PlixMonitorInterface.h"
+
+#include "DBusInterface.h"
+#include "Plix.h"
+#include "PlixLog.h"
+#include "PlixMonitorValues.h"
+
+#include <unordered_map>
+
+namespace {
+// The engine's answer for a value asked for or offered as another type.
+constexpr int wrongTypeStatus = 11;
+
+std::unordered_map<std::string, int> dataTypesById()
+{
+    std::unordered_map<std::string, int> types;
+    for (const auto& entry : Plix::getInstance()->listValues()) {
+        types.emplace(entry.xmlId, entry.dataType);
+    }
+    return types;
+}
+
+// The data type of an undeclared XML-ID does not matter: every transient
+// read of it answers 9.
+int dataTypeOf(const std::unordered_map<std::string, int>& types, const std::string& xml_id)
+{
+    const auto found = types.find(xml_id);
+    return found != types.end() ? found->second : PlixVariant::NONE;
+}
+} // namespace
+
+PlixMonitorInterface* PlixMonitorInterface::instance = nullptr;
+
+PlixMonitorInterface::PlixMonitorInterface()
+    : GDBusInterfaceBase(reinterpret_cast<GTypeInstance*>(plix_monitor_skeleton_new()))
+{
+}
+
+PlixMonitorInterface* PlixMonitorInterface::getInstance()
+{
+    if (instance == nullptr) {
+        instance = new PlixMonitorInterface();
+    }
+    return instance;
+}
+
+void PlixMonitorInterface::connect_methods()
+{
+    g_signal_connect(getAdaptor(), "handle-list-values", G_CALLBACK(static_listValues), nullptr);
+    g_signal_connect(getAdaptor(), "handle-get-values", G_CALLBACK(static_getValues), nullptr);
+    g_signal_connect(getAdaptor(), "handle-apply", G_CALLBACK(static_apply), nullptr);
+}
+
+void PlixMonitorInterface::configure(int, char**)
+{
+    auto* companion = G_DBUS_INTERFACE_SKELETON(DBusInterface::getInstance()->getAdaptor());
+    GDBusConnection* connection = g_dbus_interface_skeleton_get_connection(companion);
+    const gchar* path = g_dbus_interface_skeleton_get_object_path(companion);
+    if (connection == nullptr || path == nullptr) {
+        plixLog(LOG_ERR, "%s not exported: the configuration interface is not on the bus",
+                interfaceName);
+        return;
+    }
+    connect_methods();
+    GError* error = nullptr;
+    if (!g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(getAdaptor()), connection, path,
+                                          &error)) {
+        plixLog(LOG_ERR, "%s not exported: %s", interfaceName, error->message);
+        g_error_free(error);
+        return;
+    }
+    Plix::getInstance()->setChangeObserver(
+        [this](const std::vector<std::string>& xmlIds, bool persistent) {
+            valuesChanged(xmlIds, persistent);
+        });
+}
+
+gboolean PlixMonitorInterface::listValues(PlixMonitor* skeleton, GDBusMethodInvocation* invocation)
+{
+    GVariantBuilder values;
+    g_variant_builder_init(&values, G_VARIANT_TYPE("a(sssb)"));
+    for (const auto& entry : Plix::getInstance()->listValues()) {
+        g_variant_builder_add(&values, "(sssb)", entry.xmlId.c_str(), entry.valueType.c_str(),
+                              entry.fileName.c_str(), entry.readOnly);
+    }
+    plix_monitor_complete_list_values(skeleton, invocation, g_variant_builder_end(&values));
+    return TRUE;
+}
+
+// Stops at the first read that fails and then answers its code with no
+// values at all, as a transient getter answers no value on failure.
+gboolean PlixMonitorInterface::getValues(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                                         const gchar* const* ids)
+{
+    const std::string client = DBusInterface::clientOf(invocation);
+    const auto types = dataTypesById();
+    GVariantBuilder values;
+    g_variant_builder_init(&values, G_VARIANT_TYPE_VARDICT);
+    int status = 0;
+    for (std::size_t i = 0; status == 0 && ids[i] != nullptr; ++i) {
+        GVariant* value = nullptr;
+        status = PlixMonitorValues::readTransient(*Plix::getInstance(), client, ids[i],
+                                                  dataTypeOf(types, ids[i]), &value);
+        if (status == 0) {
+            g_variant_builder_add(&values, "{sv}", ids[i], value);
+        }
+    }
+    GVariant* reply = g_variant_builder_end(&values);
+    if (status != 0) {
+        g_variant_unref(g_variant_ref_sink(reply));
+        reply = g_variant_new_array(G_VARIANT_TYPE("{sv}"), nullptr, 0);
+    }
+    plix_monitor_complete_get_values(skeleton, invocation, status, reply);
+    return TRUE;
+}
+
+gboolean PlixMonitorInterface::apply(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                                     GVariant* changes, gboolean persistent)
+{
+    std::string failedId;
+    const int status =
+        applyChanges(DBusInterface::clientOf(invocation), changes, persistent, failedId);
+    plix_monitor_complete_apply(skeleton, invocation, status, failedId.c_str());
+    return TRUE;
+}
+
+bool PlixMonitorInterface::allSettable(GVariant* changes, std::string& refusedId)
+{
+    GVariantIter iter;
+    g_variant_iter_init(&iter, changes);
+    const gchar* id = nullptr;
+    GVariant* value = nullptr;
+    while (g_variant_iter_next(&iter, "{&sv}", &id, &value)) {
+        const bool settable = PlixMonitorValues::settable(value);
+        g_variant_unref(value);
+        if (!settable) {
+            refusedId = id;
+            return false;
+        }
+    }
+    return true;
+}
+
+// A set that fails has already ended the transaction in the engine, so only
+// a transaction whose sets all succeeded is stopped; a set answering 1 (an
+// earlier set of the same XML-ID replaced) succeeded.
+int PlixMonitorInterface::applyChanges(const std::string& client, GVariant* changes,
+                                       bool persistent, std::string& failedId)
+{
+    if (!allSettable(changes, failedId)) {
+        return wrongTypeStatus;
+    }
+    Plix& engine = *Plix::getInstance();
+    const int started = engine.transactionStart(client, persistent);
+    if (started != 0) {
+        return started;
+    }
+    GVariantIter iter;
+    g_variant_iter_init(&iter, changes);
+    const gchar* id = nullptr;
+    GVariant* value = nullptr;
+    while (g_variant_iter_next(&iter, "{&sv}", &id, &value)) {
+        const int status = PlixMonitorValues::set(engine, client, id, value);
+        g_variant_unref(value);
+        if (status != 0 && status != 1) {
+            failedId = id;
+            return status;
+        }
+    }
+    return engine.transactionStop(client);
+}
+
+void PlixMonitorInterface::valuesChanged(const std::vector<std::string>& xmlIds, bool persistent)
+{
+    std::vector<const gchar*> ids;
+    for (const std::string& id : xmlIds) {
+        ids.push_back(id.c_str());
+    }
+    ids.push_back(nullptr);
+    plix_monitor_emit_values_changed(PLIX_MONITOR(getAdaptor()), ids.data(), persistent);
+}
+
+gboolean PlixMonitorInterface::static_listValues(PlixMonitor* skeleton,
+                                                 GDBusMethodInvocation* invocation, gpointer)
+{
+    return getInstance()->listValues(skeleton, invocation);
+}
+
+gboolean PlixMonitorInterface::static_getValues(PlixMonitor* skeleton,
+                                                GDBusMethodInvocation* invocation,
+                                                const gchar* const* ids, gpointer)
+{
+    return getInstance()->getValues(skeleton, invocation, ids);
+}
+
+gboolean PlixMonitorInterface::static_apply(PlixMonitor* skeleton,
+                                            GDBusMethodInvocation* invocation, GVariant* changes,
+                                            gboolean persistent, gpointer)
+{
+    return getInstance()->apply(skeleton, invocation, changes, persistent);
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "GDBusInterfaceBase.h"
+#include "plix-monitor.h"
+
+#include <string>
+#include <vector>
+
+// "com.orvanta.plix.Monitor" at "/plix", beside the configuration interface:
+// the list of values with their types, many transient reads or one whole
+// transaction in a single call, and the signal ValuesChanged after every
+// change that took effect. Every answer comes from the engine's public
+// operations, so codes and log lines are the engine's own; the signal
+// carries XML-IDs only, never values, since the system bus is shared.
+//
+// It is published only once the engine is configured: its configure() runs
+// after the configuration interface's and exports it on that interface's
+// connection and path, so the configuration interface and its start-up are
+// untouched.
+class PlixMonitorInterface : public GDBusInterfaceBase
+{
+public:
+    static constexpr const char* interfaceName = "com.orvanta.plix.Monitor";
+
+    static PlixMonitorInterface* getInstance();
+
+    void connect_methods() override;
+    void configure(int argc, char** argv) override;
+
+    gboolean listValues(PlixMonitor* skeleton, GDBusMethodInvocation* invocation);
+    gboolean getValues(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                       const gchar* const* ids);
+    gboolean apply(PlixMonitor* skeleton, GDBusMethodInvocation* invocation, GVariant* changes,
+                   gboolean persistent);
+    void valuesChanged(const std::vector<std::string>& xmlIds, bool persistent);
+
+    static gboolean static_listValues(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                                      gpointer userData);
+    static gboolean static_getValues(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                                     const gchar* const* ids, gpointer userData);
+    static gboolean static_apply(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                                 GVariant* changes, gboolean persistent, gpointer userData);
+
+private:
+    PlixMonitorInterface();
+    // The transaction of one Apply: start, one set per change in the order
+    // given, stop. Names the change whose set failed in failedId.
+    static int applyChanges(const std::string& client, GVariant* changes, bool persistent,
+                            std::string& failedId);
+    static bool allSettable(GVariant* changes, std::string& refusedId);
+
+    static PlixMonitorInterface* instance;
+};

@@ -1,0 +1,119 @@
+#include "PlixMonitorCalls.h"
+#include "PlixServingTest.h"
+#include "PlixSignalRecorder.h"
+
+namespace {
+constexpr std::chrono::seconds kSignalBound{5};
+using Ids = std::vector<std::string>;
+} // namespace
+
+// ValuesChanged as a second connection, one that changes nothing, sees it.
+class MonitorSignal : public PlixServingTest
+{
+protected:
+    void SetUp() override
+    {
+        PlixServingTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) {
+            return;
+        }
+        mRecorder = std::make_unique<PlixSignalRecorder>(newClient());
+    }
+
+    PlixSignalRecorder& recorder() { return *mRecorder; }
+
+    // A transient set after the call under test: the first signal recorded
+    // then tells whether that call sent one, since signals of one sender
+    // arrive in order.
+    void expectOnlyTheMarkerSignal()
+    {
+        ASSERT_EQ(client().setStringTransient("general/label", "mark"), 0);
+        ASSERT_TRUE(recorder().waitFor(1, kSignalBound));
+        EXPECT_EQ(recorder().changes().front().ids, Ids{"general/label"});
+        EXPECT_EQ(recorder().changes().size(), 1u);
+    }
+
+private:
+    std::unique_ptr<PlixSignalRecorder> mRecorder;
+};
+
+TEST_F(MonitorSignal, PersistentCommitSendsTheChangedIdsInTransactionOrder)
+{
+    ASSERT_EQ(client().transactionStart(true), 0);
+    ASSERT_EQ(client().setInt("general/count", 7), 0);
+    ASSERT_EQ(client().setString("general/label", "beta"), 0);
+    ASSERT_EQ(client().setInt("general/count", 8), 1);
+    ASSERT_EQ(client().transactionStop(), 0);
+    ASSERT_TRUE(recorder().waitFor(1, kSignalBound));
+    EXPECT_EQ(recorder().changes()[0].ids, (Ids{"general/label", "general/count"}));
+    EXPECT_TRUE(recorder().changes()[0].persistent);
+}
+
+TEST_F(MonitorSignal, CommitKeptInMemorySendsPersistentFalse)
+{
+    ASSERT_EQ(client().transactionStart(false), 0);
+    ASSERT_EQ(client().setInt("general/count", 7), 0);
+    ASSERT_EQ(client().transactionStop(), 0);
+    ASSERT_TRUE(recorder().waitFor(1, kSignalBound));
+    EXPECT_EQ(recorder().changes()[0].ids, Ids{"general/count"});
+    EXPECT_FALSE(recorder().changes()[0].persistent);
+}
+
+TEST_F(MonitorSignal, TransientSetSendsItsIdNotPersistent)
+{
+    ASSERT_EQ(client().setIntTransient("general/count", 7), 0);
+    ASSERT_TRUE(recorder().waitFor(1, kSignalBound));
+    EXPECT_EQ(recorder().changes()[0].ids, Ids{"general/count"});
+    EXPECT_FALSE(recorder().changes()[0].persistent);
+}
+
+TEST_F(MonitorSignal, ApplySendsOneSignalForItsCommit)
+{
+    ASSERT_EQ(PlixMonitorCalls(client())
+                  .apply({{"general/count", g_variant_new_int32(7)},
+                          {"ports/mainport", g_variant_new_int32(5800)}},
+                         true)
+                  .status,
+              0);
+    ASSERT_TRUE(recorder().waitFor(1, kSignalBound));
+    EXPECT_EQ(recorder().changes()[0].ids, (Ids{"general/count", "ports/mainport"}));
+    EXPECT_TRUE(recorder().changes()[0].persistent);
+}
+
+TEST_F(MonitorSignal, PasswordChangeSendsItsIdOnly)
+{
+    ASSERT_EQ(client().setStringTransient("general/secret", "s3cret"), 0);
+    ASSERT_TRUE(recorder().waitFor(1, kSignalBound));
+    EXPECT_EQ(recorder().changes()[0].ids, Ids{"general/secret"});
+}
+
+TEST_F(MonitorSignal, EmptyCommitSendsNothing)
+{
+    ASSERT_EQ(client().transactionStart(true), 0);
+    ASSERT_EQ(client().transactionStop(), 0);
+    expectOnlyTheMarkerSignal();
+}
+
+TEST_F(MonitorSignal, FailedCommitSendsNothing)
+{
+    ASSERT_EQ(client().transactionStart(true), 0);
+    ASSERT_EQ(client().setInt("ports/httpport", 5900), 0);
+    ASSERT_EQ(client().transactionStop(), 203);
+    expectOnlyTheMarkerSignal();
+}
+
+TEST_F(MonitorSignal, RefusedTransientSetSendsNothing)
+{
+    ASSERT_EQ(client().setIntTransient("general/count", 5000), 200);
+    ASSERT_EQ(client().setStringTransient("general/broken", "x"), 10);
+    expectOnlyTheMarkerSignal();
+}
+
+TEST_F(MonitorSignal, RefusedApplySendsNothing)
+{
+    ASSERT_EQ(PlixMonitorCalls(client())
+                  .apply({{"general/nothing", g_variant_new_int32(1)}}, true)
+                  .status,
+              9);
+    expectOnlyTheMarkerSignal();
+}

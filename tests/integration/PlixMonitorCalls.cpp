@@ -1,0 +1,77 @@
+#include "PlixMonitorCalls.h"
+
+#include <gtest/gtest.h>
+
+PlixGVariantPtr PlixMonitorCalls::call(const std::string& method, GVariant* params) const
+{
+    std::string error;
+    PlixGVariantPtr reply = mClient.call(PlixBusClient::kServiceName, PlixBusClient::kAdaptorPath,
+                                         kInterface, method, params, &error);
+    EXPECT_TRUE(reply) << method << ": " << error;
+    return reply;
+}
+
+std::vector<PlixMonitorCalls::Listed> PlixMonitorCalls::listValues() const
+{
+    std::vector<Listed> listed;
+    const PlixGVariantPtr reply = call("ListValues", nullptr);
+    if (!reply) {
+        return listed;
+    }
+    GVariantIter* iter = nullptr;
+    g_variant_get(reply.get(), "(a(sssb))", &iter);
+    const gchar* id = nullptr;
+    const gchar* type = nullptr;
+    const gchar* file = nullptr;
+    gboolean readOnly = FALSE;
+    while (g_variant_iter_next(iter, "(&s&s&sb)", &id, &type, &file, &readOnly)) {
+        listed.push_back({id, type, file, readOnly != FALSE});
+    }
+    g_variant_iter_free(iter);
+    return listed;
+}
+
+PlixMonitorCalls::Read PlixMonitorCalls::getValues(const std::vector<std::string>& ids) const
+{
+    GVariantBuilder request;
+    g_variant_builder_init(&request, G_VARIANT_TYPE_STRING_ARRAY);
+    for (const std::string& id : ids) {
+        g_variant_builder_add(&request, "s", id.c_str());
+    }
+    Read read{-1, {}};
+    const PlixGVariantPtr reply = call("GetValues", g_variant_new("(as)", &request));
+    if (!reply) {
+        return read;
+    }
+    GVariantIter* iter = nullptr;
+    g_variant_get(reply.get(), "(ia{sv})", &read.status, &iter);
+    const gchar* id = nullptr;
+    GVariant* value = nullptr;
+    while (g_variant_iter_next(iter, "{&sv}", &id, &value)) {
+        gchar* text = g_variant_print(value, FALSE);
+        read.values.emplace_back(id, text);
+        g_free(text);
+        g_variant_unref(value);
+    }
+    g_variant_iter_free(iter);
+    return read;
+}
+
+PlixMonitorCalls::Applied PlixMonitorCalls::apply(const std::vector<Change>& changes,
+                                                  bool persistent) const
+{
+    GVariantBuilder dict;
+    g_variant_builder_init(&dict, G_VARIANT_TYPE("a{sv}"));
+    for (const auto& change : changes) {
+        g_variant_builder_add(&dict, "{sv}", change.first.c_str(), change.second);
+    }
+    Applied applied{-1, ""};
+    const PlixGVariantPtr reply = call("Apply", g_variant_new("(a{sv}b)", &dict, persistent));
+    if (!reply) {
+        return applied;
+    }
+    const gchar* failedId = nullptr;
+    g_variant_get(reply.get(), "(i&s)", &applied.status, &failedId);
+    applied.failedId = failedId;
+    return applied;
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "PlixBusClient.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+// The methods of "com.orvanta.plix.Monitor" at "/plix", called through one
+// test client's connection.
+class PlixMonitorCalls
+{
+public:
+    static constexpr const char* kInterface = "com.orvanta.plix.Monitor";
+
+    struct Listed
+    {
+        std::string id;
+        std::string type;
+        std::string file;
+        bool readOnly;
+        bool operator==(const Listed& other) const
+        {
+            return id == other.id && type == other.type && file == other.file &&
+                   readOnly == other.readOnly;
+        }
+    };
+    // Values read by GetValues, each printed in GVariant text form ("42",
+    // "'alpha'", "true"), in the order of the reply.
+    struct Read
+    {
+        int status;
+        std::vector<std::pair<std::string, std::string>> values;
+    };
+    struct Applied
+    {
+        int status;
+        std::string failedId;
+    };
+    // One entry of an Apply; value is a floating variant.
+    using Change = std::pair<std::string, GVariant*>;
+
+    explicit PlixMonitorCalls(const PlixBusClient& client) : mClient(client) {}
+
+    std::vector<Listed> listValues() const;
+    Read getValues(const std::vector<std::string>& ids) const;
+    Applied apply(const std::vector<Change>& changes, bool persistent) const;
+
+private:
+    PlixGVariantPtr call(const std::string& method, GVariant* params) const;
+
+    const PlixBusClient& mClient;
+};

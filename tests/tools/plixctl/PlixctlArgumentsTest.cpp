@@ -1,0 +1,114 @@
+#include "PlixctlArguments.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+PlixctlArguments parse(std::vector<std::string> words)
+{
+    words.insert(words.begin(), "plixctl");
+    static std::vector<std::vector<char>> store;
+    store.clear();
+    std::vector<char*> argv;
+    for (const std::string& word : words) {
+        store.emplace_back(word.begin(), word.end());
+        store.back().push_back('\0');
+    }
+    for (auto& word : store) {
+        argv.push_back(word.data());
+    }
+    argv.push_back(nullptr);
+    return PlixctlArguments(static_cast<int>(words.size()), argv.data());
+}
+
+using Command = PlixctlArguments::Command;
+using SetMode = PlixctlArguments::SetMode;
+
+} // namespace
+
+TEST(PlixctlArgumentsTest, GetTakesItsIdsInOrder)
+{
+    const auto arguments = parse({"get", "a/x", "b/y"});
+    EXPECT_EQ(arguments.error(), "");
+    EXPECT_EQ(arguments.command(), Command::get);
+    EXPECT_EQ(arguments.operands(), (std::vector<std::string>{"a/x", "b/y"}));
+    EXPECT_FALSE(arguments.json());
+    EXPECT_EQ(arguments.address(), "");
+}
+
+TEST(PlixctlArgumentsTest, OptionsMayStandBeforeOrAfterTheCommand)
+{
+    const auto arguments = parse({"--json", "list", "--address", "unix:path=/tmp/bus"});
+    EXPECT_EQ(arguments.error(), "");
+    EXPECT_EQ(arguments.command(), Command::list);
+    EXPECT_TRUE(arguments.json());
+    EXPECT_EQ(arguments.address(), "unix:path=/tmp/bus");
+}
+
+TEST(PlixctlArgumentsTest, AddressMayBeJoinedWithAnEqualsSign)
+{
+    EXPECT_EQ(parse({"--address=unix:path=/x", "list"}).address(), "unix:path=/x");
+}
+
+TEST(PlixctlArgumentsTest, SetIsPersistentByDefault)
+{
+    EXPECT_EQ(parse({"set", "a/x=1"}).setMode(), SetMode::persistent);
+    EXPECT_EQ(parse({"set", "--no-persist", "a/x=1"}).setMode(), SetMode::noPersist);
+    EXPECT_EQ(parse({"set", "--transient", "a/x=1"}).setMode(), SetMode::transient);
+}
+
+TEST(PlixctlArgumentsTest, TransientAndNoPersistExcludeEachOther)
+{
+    EXPECT_EQ(parse({"set", "--transient", "--no-persist", "a/x=1"}).error(),
+              "--transient and --no-persist exclude each other");
+}
+
+TEST(PlixctlArgumentsTest, SetModeBelongsToSetOnly)
+{
+    EXPECT_EQ(parse({"get", "--transient", "a/x"}).error(),
+              "--transient and --no-persist belong to the command set");
+}
+
+TEST(PlixctlArgumentsTest, DashAndNegativeNumbersAreOperands)
+{
+    const auto arguments = parse({"verify", "a/pw", "-"});
+    EXPECT_EQ(arguments.error(), "");
+    EXPECT_EQ(arguments.operands(), (std::vector<std::string>{"a/pw", "-"}));
+    EXPECT_EQ(parse({"verify", "a/x", "-5"}).operands()[1], "-5");
+}
+
+TEST(PlixctlArgumentsTest, DoubleDashEndsTheOptions)
+{
+    const auto arguments = parse({"set", "--", "a/x=--json"});
+    EXPECT_EQ(arguments.error(), "");
+    EXPECT_FALSE(arguments.json());
+    EXPECT_EQ(arguments.operands(), std::vector<std::string>{"a/x=--json"});
+}
+
+TEST(PlixctlArgumentsTest, HelpNeedsNoCommand)
+{
+    const auto arguments = parse({"--help"});
+    EXPECT_TRUE(arguments.helpRequested());
+    EXPECT_EQ(arguments.error(), "");
+    EXPECT_TRUE(parse({"-h"}).helpRequested());
+}
+
+TEST(PlixctlArgumentsTest, MistakesAreNamed)
+{
+    EXPECT_EQ(parse({}).error(), "no command given");
+    EXPECT_EQ(parse({"frob"}).error(), "unknown command 'frob'");
+    EXPECT_EQ(parse({"--frob", "list"}).error(), "unknown option '--frob'");
+    EXPECT_EQ(parse({"list", "--address"}).error(), "--address needs a bus address");
+    EXPECT_EQ(parse({"list", "a/x"}).error(), "this command takes no operands");
+    EXPECT_EQ(parse({"monitor", "a/x"}).error(), "this command takes no operands");
+    EXPECT_EQ(parse({"get"}).error(), "get needs at least one XML-ID");
+    EXPECT_EQ(parse({"verify", "a/x"}).error(), "verify needs an XML-ID and a value");
+    EXPECT_EQ(parse({"set"}).error(), "set needs at least one ID=VALUE");
+    EXPECT_EQ(parse({"set", "a/x"}).error(), "'a/x' is not of the form ID=VALUE");
+    EXPECT_EQ(parse({"set", "=1"}).error(), "'=1' is not of the form ID=VALUE");
+}
+
+TEST(PlixctlArgumentsTest, UsageShowsTheExitStatusTable)
+{
+    EXPECT_NE(PlixctlArguments::usage().find("  64  usage error\n"), std::string::npos);
+}

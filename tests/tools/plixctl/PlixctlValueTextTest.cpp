@@ -1,0 +1,89 @@
+#include "PlixctlValueText.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// The text form GVariant prints of what fromText made, or the problem.
+std::string read(const std::string& type, const std::string& text)
+{
+    std::string problem;
+    GVariant* value = PlixctlValueText::fromText(type, text, &problem);
+    if (value == nullptr) {
+        return "problem: " + problem;
+    }
+    g_variant_ref_sink(value);
+    gchar* printed = g_variant_print(value, TRUE);
+    std::string result = printed;
+    g_free(printed);
+    g_variant_unref(value);
+    return result;
+}
+
+std::string shown(GVariant* value)
+{
+    g_variant_ref_sink(value);
+    std::string text = PlixctlValueText::toText(value);
+    g_variant_unref(value);
+    return text;
+}
+
+} // namespace
+
+TEST(PlixctlValueTextTest, ValueIsReadAsTheDeclaredType)
+{
+    EXPECT_EQ(read("int", "-42"), "-42");
+    EXPECT_EQ(read("double", "0.25"), "0.25");
+    EXPECT_EQ(read("float", "3"), "3.0");
+    EXPECT_EQ(read("bool", "true"), "true");
+    EXPECT_EQ(read("bool", "0"), "false");
+    EXPECT_EQ(read("string", "42"), "'42'");
+    EXPECT_EQ(read("password,sha256,1000", "s3cret"), "'s3cret'");
+}
+
+TEST(PlixctlValueTextTest, UnknownTypeIsSentAsText)
+{
+    EXPECT_EQ(read("", "7"), "'7'");
+    EXPECT_EQ(read("uint8", "7"), "'7'");
+}
+
+TEST(PlixctlValueTextTest, TextThatIsNotOfTheTypeIsRefused)
+{
+    EXPECT_EQ(read("int", "seven"), "problem: 'seven' is not a valid int");
+    EXPECT_EQ(read("int", "7x"), "problem: '7x' is not a valid int");
+    EXPECT_EQ(read("int", "4294967296"), "problem: '4294967296' is not a valid int");
+    EXPECT_EQ(read("int", ""), "problem: '' is not a valid int");
+    EXPECT_EQ(read("double", " 1"), "problem: ' 1' is not a valid double");
+    EXPECT_EQ(read("double", "nan"), "problem: 'nan' is not a valid double");
+    EXPECT_EQ(read("double", "1e999"), "problem: '1e999' is not a valid double");
+    EXPECT_EQ(read("bool", "yes"), "problem: 'yes' is not a valid bool");
+}
+
+TEST(PlixctlValueTextTest, ValuesAreShownPlain)
+{
+    EXPECT_EQ(shown(g_variant_new_boolean(TRUE)), "true");
+    EXPECT_EQ(shown(g_variant_new_int32(-3)), "-3");
+    EXPECT_EQ(shown(g_variant_new_double(0.1)), "0.1");
+    EXPECT_EQ(shown(g_variant_new_double(2.0)), "2");
+    EXPECT_EQ(shown(g_variant_new_string("a b")), "a b");
+}
+
+TEST(PlixctlValueTextTest, JsonKeepsTheType)
+{
+    GVariant* number = g_variant_ref_sink(g_variant_new_int32(5));
+    GVariant* flag = g_variant_ref_sink(g_variant_new_boolean(FALSE));
+    GVariant* text = g_variant_ref_sink(g_variant_new_string("x"));
+    EXPECT_EQ(PlixctlValueText::toJson(number).dump(), "5");
+    EXPECT_EQ(PlixctlValueText::toJson(flag).dump(), "false");
+    EXPECT_EQ(PlixctlValueText::toJson(text).dump(), "\"x\"");
+    g_variant_unref(number);
+    g_variant_unref(flag);
+    g_variant_unref(text);
+}
+
+TEST(PlixctlValueTextTest, PasswordIsRecognisedByItsTypeText)
+{
+    EXPECT_TRUE(PlixctlValueText::isPassword("password,sha256,1000"));
+    EXPECT_TRUE(PlixctlValueText::isPassword("password"));
+    EXPECT_FALSE(PlixctlValueText::isPassword("string"));
+}

@@ -1,0 +1,147 @@
+#include "PlixctlArguments.h"
+
+#include "PlixctlStatus.h"
+
+#include <map>
+
+namespace {
+
+const std::map<std::string, PlixctlArguments::Command>& commands()
+{
+    static const std::map<std::string, PlixctlArguments::Command> names{
+        {"list", PlixctlArguments::Command::list},
+        {"get", PlixctlArguments::Command::get},
+        {"set", PlixctlArguments::Command::set},
+        {"verify", PlixctlArguments::Command::verify},
+        {"monitor", PlixctlArguments::Command::monitor},
+    };
+    return names;
+}
+
+bool startsWith(const std::string& text, const std::string& prefix)
+{
+    return text.compare(0, prefix.size(), prefix) == 0;
+}
+
+} // namespace
+
+PlixctlArguments::PlixctlArguments(int argc, char** argv)
+{
+    bool optionsEnded = false;
+    for (int i = 1; i < argc && mError.empty(); ++i) {
+        const std::string argument = argv[i];
+        if (!optionsEnded && argument == "--") {
+            optionsEnded = true;
+        } else if (optionsEnded || !takeOption(argument, i, argc, argv)) {
+            if (mCommand == Command::none) {
+                const auto found = commands().find(argument);
+                mCommand = found != commands().end() ? found->second : Command::none;
+                if (found == commands().end()) {
+                    mError = "unknown command '" + argument + "'";
+                }
+            } else {
+                mOperands.push_back(argument);
+            }
+        }
+    }
+    if (mError.empty() && !mHelp) {
+        check();
+    }
+}
+
+// Answers false for an argument that is no option; a lone "-" and "-5" are
+// operands (a password read from standard input, a negative number).
+bool PlixctlArguments::takeOption(const std::string& argument, int& index, int argc, char** argv)
+{
+    if (argument == "--help" || argument == "-h") {
+        mHelp = true;
+    } else if (argument == "--json") {
+        mJson = true;
+    } else if (argument == "--transient") {
+        setSetMode(SetMode::transient);
+    } else if (argument == "--no-persist") {
+        setSetMode(SetMode::noPersist);
+    } else if (startsWith(argument, "--address=")) {
+        mAddress = argument.substr(std::string("--address=").size());
+    } else if (argument == "--address") {
+        if (index + 1 >= argc) {
+            mError = "--address needs a bus address";
+        } else {
+            mAddress = argv[++index];
+        }
+    } else if (startsWith(argument, "--")) {
+        mError = "unknown option '" + argument + "'";
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void PlixctlArguments::setSetMode(SetMode mode)
+{
+    if (mSetModeGiven && mSetMode != mode) {
+        mError = "--transient and --no-persist exclude each other";
+    }
+    mSetMode = mode;
+    mSetModeGiven = true;
+}
+
+void PlixctlArguments::check()
+{
+    const std::size_t count = mOperands.size();
+    if (mCommand == Command::none) {
+        mError = "no command given";
+    } else if (mSetModeGiven && mCommand != Command::set) {
+        mError = "--transient and --no-persist belong to the command set";
+    } else if ((mCommand == Command::list || mCommand == Command::monitor) && count != 0) {
+        mError = "this command takes no operands";
+    } else if (mCommand == Command::get && count == 0) {
+        mError = "get needs at least one XML-ID";
+    } else if (mCommand == Command::verify && count != 2) {
+        mError = "verify needs an XML-ID and a value";
+    } else if (mCommand == Command::set) {
+        if (count == 0) {
+            mError = "set needs at least one ID=VALUE";
+        }
+        for (const std::string& operand : mOperands) {
+            if (operand.find('=') == std::string::npos || operand.front() == '=') {
+                mError = "'" + operand + "' is not of the form ID=VALUE";
+            }
+        }
+    }
+}
+
+std::string PlixctlArguments::usage()
+{
+    return "Usage: plixctl [--json] [--address ADDRESS] COMMAND [OPERANDS]\n"
+           "\n"
+           "Reads and changes the values of the configuration service com.orvanta.plix.\n"
+           "\n"
+           "Commands:\n"
+           "  list                      the declared values: XML-ID, type, store file, access\n"
+           "  get ID...                 the current value of each XML-ID (ID=VALUE)\n"
+           "  set [--transient | --no-persist] ID=VALUE...\n"
+           "                            sets the values in one transaction, stored in the\n"
+           "                            JSON files by default; --no-persist keeps the\n"
+           "                            transaction in memory only; --transient uses the\n"
+           "                            transient setters one by one (applied at once,\n"
+           "                            never stored)\n"
+           "  verify ID VALUE           does VALUE equal the stored value? (passwords too)\n"
+           "  monitor                   prints each change (ID=VALUE) until interrupted\n"
+           "\n"
+           "A VALUE is read as the value's declared type: int, double (or float),\n"
+           "bool (true, false, 1, 0), anything else as text. For a password value a\n"
+           "VALUE of \"-\" is read from standard input, one line, so that it appears in\n"
+           "no command line. Password values are never shown: get answers code 11 for\n"
+           "them and monitor shows \"(password)\".\n"
+           "\n"
+           "Options:\n"
+           "  --json             output for scripts, in JSON\n"
+           "  --address ADDRESS  use the bus at ADDRESS instead of the system bus\n"
+           "  -h, --help         this text\n"
+           "\n" +
+           PlixctlStatus::table() +
+           "\n"
+           "On failure one line on standard error names the service's code and its\n"
+           "meaning.\n";
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "PlixctlArguments.h"
+#include "PlixctlBusClient.h"
+#include "PlixctlOutput.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+// The one-shot commands of plixctl (list, get, set, verify), each a short
+// exchange with the service; every one answers plixctl's exit status.
+class PlixctlCommands
+{
+public:
+    PlixctlCommands(PlixctlBusClient& client, PlixctlOutput& output);
+
+    int list();
+    int get(const std::vector<std::string>& ids);
+    int set(const std::vector<std::string>& assignments, PlixctlArguments::SetMode mode);
+    int verify(const std::string& id, const std::string& text);
+
+private:
+    struct Change
+    {
+        std::string id;
+        GVariant* value;
+    };
+
+    // The declared type text of every value, from ListValues.
+    bool loadTypes(std::map<std::string, std::string>& types);
+    // The variant to send for one VALUE, or null after reporting why (the
+    // exit status is then in *status).
+    GVariant* valueFor(const std::map<std::string, std::string>& types, const std::string& id,
+                       const std::string& text, int* status);
+    int applyAll(const std::vector<Change>& changes, bool persistent);
+    int setTransientOneByOne(const std::vector<Change>& changes);
+    std::optional<PlixctlResult> verifyInOwnTransaction(GVariant* candidate, const std::string& id);
+
+    PlixctlBusClient& mClient;
+    PlixctlOutput& mOutput;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "PlixctlBusClient.h"
+
+#include <glib.h>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+// Everything plixctl prints: results on standard output, as text for people
+// or as JSON for scripts (one JSON document per line), and failures as one
+// line on standard error. The failure reports answer the exit status.
+class PlixctlOutput
+{
+public:
+    PlixctlOutput(bool json, std::ostream& out, std::ostream& err);
+
+    void valueTable(const std::vector<PlixctlValueInfo>& values);
+    // values: an a{sv}, shown in its order.
+    void values(GVariant* values);
+    // The report of a successful set: what was set and how.
+    void setDone(const std::vector<std::string>& ids, const char* how);
+    void verifyMatched(const std::string& id);
+    // One change seen by the monitor; a null value is a password.
+    void change(const std::string& id, GVariant* value, bool persistent);
+    // A change whose value could not be read.
+    void unreadableChange(const std::string& id, int code, bool persistent);
+
+    // A code of the service other than success; id may be empty.
+    int failure(int code, const std::string& id);
+    int busFailure(const std::string& error);
+    int invalidValue(const std::string& id, const std::string& problem);
+    int usageError(const std::string& problem);
+
+private:
+    void line(const std::string& text);
+
+    bool mJson;
+    std::ostream& mOut;
+    std::ostream& mErr;
+};

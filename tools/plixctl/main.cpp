@@ -1,0 +1,52 @@
+#include "PlixctlArguments.h"
+#include "PlixctlBusClient.h"
+#include "PlixctlCommands.h"
+#include "PlixctlMonitor.h"
+#include "PlixctlOutput.h"
+#include "PlixctlStatus.h"
+
+#include <iostream>
+
+namespace {
+
+int runCommand(const PlixctlArguments& arguments, PlixctlBusClient& client, PlixctlOutput& output)
+{
+    using Command = PlixctlArguments::Command;
+    const auto& operands = arguments.operands();
+    PlixctlCommands commands(client, output);
+    switch (arguments.command()) {
+    case Command::list:
+        return commands.list();
+    case Command::get:
+        return commands.get(operands);
+    case Command::set:
+        return commands.set(operands, arguments.setMode());
+    case Command::verify:
+        return commands.verify(operands[0], operands[1]);
+    case Command::monitor:
+        return PlixctlMonitor(client, output).run();
+    case Command::none:
+        break;
+    }
+    return PlixctlStatus::usageError;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const PlixctlArguments arguments(argc, argv);
+    PlixctlOutput output(arguments.json(), std::cout, std::cerr);
+    if (arguments.helpRequested()) {
+        std::cout << PlixctlArguments::usage();
+        return PlixctlStatus::success;
+    }
+    if (!arguments.error().empty()) {
+        return output.usageError(arguments.error());
+    }
+    PlixctlBusClient client;
+    if (!client.connect(arguments.address())) {
+        return output.busFailure(client.error());
+    }
+    return runCommand(arguments, client, output);
+}
