@@ -10,7 +10,7 @@ ROOT=$(pwd)
 
 ./scripts/install-deps.sh
 cmake -S . -B build
-cmake --build build -j"$(nproc)" --target dbus-ex-plix plix-session
+cmake --build build -j"$(nproc)" --target dbus-ex-plix plixctl
 
 if [ "$(id -u)" != 0 ]; then
     echo "The service is built (build/service/dbus-ex-plix), but running the example needs"
@@ -67,12 +67,16 @@ bus() {
     gdbus call --address "$ADDRESS" --dest org.freedesktop.DBus \
         --object-path /org/freedesktop/DBus --method "org.freedesktop.DBus.$@"
 }
-plix() {
+probe() {
     gdbus call --address "$ADDRESS" --dest com.orvanta.plix --object-path /plix \
-        --method "com.orvanta.plix.dBusAdaptor.$@"
+        --method com.orvanta.plix.dBusAdaptor.GetIntValueTransient probe/none
 }
-session() {
-    "$ROOT/build/tests/integration/plix-session" "$ADDRESS"
+# The client session uses plixctl, the command-line client a device's
+# scripts and people at its console use. It reports a refusal on standard
+# error and in its exit status; the example goes on after it.
+plixctl() {
+    echo "\$ plixctl $*"
+    "$ROOT/build/tools/plixctl/plixctl" --address "$ADDRESS" "$@" || echo "(exit status $?)"
 }
 
 step "dbus-ex-plix -s -c $WORK/etc/plix_config.xml"
@@ -83,49 +87,33 @@ DBUS_SYSTEM_BUS_ADDRESS="$ADDRESS" PATH="$WORK/bin:$PATH" LC_ALL=C \
     "$ROOT/build/service/dbus-ex-plix" -s -c "$WORK/etc/plix_config.xml" \
     > "$WORK/service.log" 2>&1 &
 SERVICE_PID=$!
-wait_for bus GetNameOwner com.orvanta.plix && wait_for plix GetIntValueTransient probe/none \
+wait_for bus GetNameOwner com.orvanta.plix && wait_for probe \
     || { echo "the service did not come up:"; cat "$WORK/service.log"; exit 1; }
 echo "serving; its PID file says: $(cat "$WORK/lock/com.orvanta.plix.pid")"
 
-step "Transient reads (no transaction needed): status, value"
-plix GetStringValueTransient station/name
-plix GetIntValueTransient ports/mainport
-plix GetIntValueTransient ports/nothing
+step "The declared values, and transient reads (no transaction needed)"
+plixctl list
+plixctl get station/name ports/mainport eth0/ipaddress
+plixctl get ports/nothing
 
 step "Store files before the transaction"
 cat "$WORK/etc/panel.json" "$WORK/etc/ports.json"
 
-step "A persistent transaction (one connection holds it from start to stop)"
-session <<'CALLS'
-Transactionstart (true,)
-SetIntValue ('display/brightness', 55)
-SetStringValue ('station/name', 'Lab-Panel-07')
-SetIntValue ('ports/mainport', 2000)
-Transactionstop
-CALLS
+step "A persistent transaction setting three values"
+plixctl set display/brightness=55 station/name=Lab-Panel-07 ports/mainport=2000
 
 step "Store files after it, and the file the brightness action wrote"
 cat "$WORK/etc/panel.json" "$WORK/etc/ports.json"
 echo "run/brightness: $(cat "$WORK/run/brightness")"
 
 step "A rejected transaction: main port equal to the HTTP port (203), rolled back"
-session <<'CALLS'
-Transactionstart (true,)
-SetIntValue ('ports/mainport', 80)
-Transactionstop
-CALLS
-plix GetIntValueTransient ports/mainport
+plixctl set ports/mainport=80
+plixctl get ports/mainport
 
-step "A password set, then verified (0 equal, 201 different)"
-session <<'CALLS'
-Transactionstart (true,)
-SetStringValue ('remoteaccess/accesscontrolPassword1', 'new-secret')
-Transactionstop
-Transactionstart (false,)
-Verify (<'new-secret'>, 'remoteaccess/accesscontrolPassword1')
-Verify (<'secret1'>, 'remoteaccess/accesscontrolPassword1')
-Transactionstop
-CALLS
+step "A password set, then verified (equal, then different)"
+echo new-secret | plixctl set remoteaccess/accesscontrolPassword1=-
+echo new-secret | plixctl verify remoteaccess/accesscontrolPassword1 -
+echo secret1 | plixctl verify remoteaccess/accesscontrolPassword1 -
 echo "stored form: $(grep accesscontrolPassword1 "$WORK/etc/remoteaccess.json")"
 
 step "Stopping the service with SIGTERM"
