@@ -1,0 +1,201 @@
+#include "PlixBenchLatency.h"
+
+#include "PlixBenchConfig.h"
+#include "PlixBenchStats.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+const char* const transientId = "ds0/v0";
+const char* const passwordId = "ds0/v1";
+
+GVariant* idAndInt(const std::string& id, int value)
+{
+    return g_variant_new("(si)", id.c_str(), value);
+}
+
+GVariant* idOnly(const std::string& id)
+{
+    return g_variant_new("(s)", id.c_str());
+}
+
+// Values written stay within every validator of the benchmark configuration.
+int valueFor(int i)
+{
+    return i % 1000;
+}
+} // namespace
+
+PlixBenchLatency::PlixBenchLatency(std::string service, std::string floor, long values, int count)
+    : service(std::move(service)), floor(std::move(floor)), values(values), count(count)
+{
+}
+
+bool PlixBenchLatency::expect(const std::string& destination, const PlixBenchCall& call,
+                              int allowed)
+{
+    const int status = bus.call(destination, call);
+    if (status == 0 || status == allowed) {
+        return true;
+    }
+    std::fprintf(stderr, "plix_bench_client: %s on %s answered %d\n", call.method,
+                 destination.c_str(), status);
+    return false;
+}
+
+PlixBenchLatency::Frame PlixBenchLatency::startTransaction()
+{
+    return [this](const std::string& destination) {
+        return expect(destination, {"Transactionstart", g_variant_new("(b)", FALSE)});
+    };
+}
+
+PlixBenchLatency::Frame PlixBenchLatency::stopTransaction()
+{
+    return [this](const std::string& destination) {
+        return expect(destination, {"Transactionstop", nullptr});
+    };
+}
+
+bool PlixBenchLatency::time(const std::string& destination, const Operation& operation,
+                            const Frame& open, const Frame& close, std::vector<double>& out)
+{
+    if (open && !open(destination)) {
+        return false;
+    }
+    const int warmUp = count / 10 + 1;
+    for (int i = 0; i < warmUp + count; ++i) {
+        const gint64 begin = g_get_monotonic_time();
+        if (!operation(destination, i)) {
+            return false;
+        }
+        if (i >= warmUp) {
+            out.push_back(static_cast<double>(g_get_monotonic_time() - begin));
+        }
+    }
+    return !close || close(destination);
+}
+
+bool PlixBenchLatency::measure(const std::string& figure, const Operation& operation,
+                               const Frame& open, const Frame& close)
+{
+    std::vector<double> onService;
+    std::vector<double> onFloor;
+    if (!time(service, operation, open, close, onService) ||
+        !time(floor, operation, open, close, onFloor)) {
+        std::fprintf(stderr, "plix_bench_client: %s failed\n", figure.c_str());
+        return false;
+    }
+    PlixBenchStats measured;
+    PlixBenchStats floorStats;
+    for (double sample : onService) {
+        measured.add(sample);
+    }
+    for (double sample : onFloor) {
+        floorStats.add(sample);
+    }
+    PlixBenchStats::printRow(section, values, figure, "us", measured.min(), measured.median(),
+                             measured.p99(), floorStats.median());
+    return true;
+}
+
+bool PlixBenchLatency::measureTransactions(const std::string& figure, const Operation& operation)
+{
+    const int callCount = count;
+    count = std::max(count / 10, 20);
+    const bool measured = measure(figure, operation);
+    count = callCount;
+    return measured;
+}
+
+bool PlixBenchLatency::transaction(const std::string& destination, bool persistent,
+                                   const std::vector<std::string>& ids, int i, bool pipelined)
+{
+    std::vector<PlixBenchCall> calls{{"Transactionstart", g_variant_new("(b)", persistent)}};
+    for (const std::string& id : ids) {
+        calls.push_back({"SetIntValue", idAndInt(id, valueFor(i))});
+    }
+    calls.push_back({"Transactionstop", nullptr});
+    if (pipelined) {
+        for (int status : bus.pipeline(destination, calls)) {
+            if (status != 0) {
+                std::fprintf(stderr, "plix_bench_client: pipelined call answered %d\n", status);
+                return false;
+            }
+        }
+        return true;
+    }
+    for (const PlixBenchCall& call : calls) {
+        if (!expect(destination, call)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool PlixBenchLatency::runCalls()
+{
+    const std::vector<std::string> tenInts = PlixBenchConfig::intIds(10);
+    const char* plain = PlixBenchConfig::passwordPlainText();
+    return measure("Peer.Ping", [this](const std::string& d, int) { return bus.ping(d); }) &&
+           measure("GetIntValueTransient",
+                   [this](const std::string& d, int) {
+                       return expect(d, {"GetIntValueTransient", idOnly(transientId)});
+                   }) &&
+           measure(
+               "SetIntValueTransient",
+               [this](const std::string& d, int i) {
+                   return expect(d, {"SetIntValueTransient", idAndInt(transientId, valueFor(i))});
+               }) &&
+           measure(
+               "GetIntValue (in transaction)",
+               [this](const std::string& d, int) {
+                   return expect(d, {"GetIntValue", idOnly(transientId)});
+               },
+               startTransaction(), stopTransaction()) &&
+           measure(
+               "SetIntValue (in transaction)",
+               [this](const std::string& d, int i) {
+                   // Every set after the first replaces the one before: status 1.
+                   return expect(d, {"SetIntValue", idAndInt(transientId, valueFor(i))}, 1);
+               },
+               startTransaction(), stopTransaction()) &&
+           measure(
+               "Verify password",
+               [this, plain](const std::string& d, int) {
+                   return expect(d, {"Verify", g_variant_new("(vs)", g_variant_new_string(plain),
+                                                             passwordId)});
+               },
+               startTransaction(), stopTransaction()) &&
+           measureTransactions("transaction start+10 sets+stop (sequential)",
+                               [this, &tenInts](const std::string& d, int i) {
+                                   return transaction(d, true, tenInts, i, false);
+                               }) &&
+           measureTransactions("transaction start+10 sets+stop (pipelined)",
+                               [this, &tenInts](const std::string& d, int i) {
+                                   return transaction(d, true, tenInts, i, true);
+                               });
+}
+
+bool PlixBenchLatency::runCommits(const std::vector<std::string>& ids,
+                                  const std::vector<long>& sizes)
+{
+    section = "commit";
+    for (std::size_t file = 0; file < ids.size() && file < sizes.size(); ++file) {
+        values = sizes[file];
+        const std::vector<std::string> one{ids[file]};
+        const bool measured = measureTransactions("persistent commit of one value",
+                                                  [this, &one](const std::string& d, int i) {
+                                                      return transaction(d, true, one, i, false);
+                                                  }) &&
+                              measureTransactions("non-persistent commit of one value",
+                                                  [this, &one](const std::string& d, int i) {
+                                                      return transaction(d, false, one, i, false);
+                                                  });
+        if (!measured) {
+            return false;
+        }
+    }
+    return true;
+}

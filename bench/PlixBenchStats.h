@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Durations of repeated calls, in microseconds, and their summary.
+class PlixBenchStats
+{
+public:
+    void add(double microseconds) { samples.push_back(microseconds); }
+    bool empty() const { return samples.empty(); }
+    double min() const;
+    double median() const;
+    double p99() const;
+
+    // One row of the benchmark's table and CSV:
+    // section,values,figure,unit,min,median,p99,floor,ratio
+    // where floor is the floor's median and ratio how many times the floor's
+    // cost the service's is: median / floor for times and sizes, floor /
+    // median for rates (higherIsBetter).
+    static void printRow(const std::string& section, long values, const std::string& figure,
+                         const std::string& unit, double min, double median, double p99,
+                         double floor, bool higherIsBetter = false);
+
+private:
+    double quantile(double q) const;
+
+    std::vector<double> samples;
+};

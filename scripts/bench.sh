@@ -1,0 +1,249 @@
+#!/bin/bash
+# Benchmarks of dbus-ex-plix on this machine, in one run of about ten
+# minutes on two cores (run as root):
+#
+#   scripts/bench.sh
+#
+# Builds the service and the benchmark programs in build-bench (with
+# -DPLIX_BENCH=ON), then, inside private mount, IPC and PID namespaces with
+# the machine's lock directory replaced by a temporary one, starts a private
+# bus, the floor service and the service with generated configurations of
+# 100 to 100,000 values and measures call latency, throughput, start-up,
+# commit cost and memory, each against its floor. Prints the table, writes
+# build-bench/bench.csv, build-bench/bench.png and build-bench/engine_bench.csv
+# (the in-process benchmarks of the engine).
+set -euo pipefail
+export LC_ALL=C
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=$root/build-bench
+service_name=com.orvanta.plix
+floor_name=com.orvanta.plix.floor
+memory_floor_name=com.orvanta.plix.memoryfloor
+# PLIX_BENCH_SIZES replaces the list of configuration sizes (for a quick try).
+sizes="${PLIX_BENCH_SIZES:-100 1000 10000 100000}"
+
+outer()
+{
+    if [ "$(id -u)" != 0 ]; then
+        echo "bench.sh: run as root (it uses private namespaces and a bind mount)" >&2
+        exit 1
+    fi
+    "$root/scripts/install-deps.sh" gnuplot-nox libbenchmark-dev
+    cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DPLIX_BENCH=ON \
+        -DPLIX_BUILD_TESTS=OFF >/dev/null
+    cmake --build "$build" -j2 --target dbus-ex-plix plix_bench_gen plix_bench_client \
+        floor_service memory_floor engine_bench
+    run=$(mktemp -d /tmp/plix-bench-XXXXXX)
+    trap 'rm -rf "$run"' EXIT
+    mkdir "$run/lock"
+    # Everything started below lives in the new PID namespace, so it ends
+    # with the run whatever happens; the time-out bounds the whole run.
+    PLIX_BENCH_RUN=$run timeout --signal=TERM --kill-after=10 1200 \
+        unshare --mount --ipc --pid --fork --kill-child --mount-proc --propagation private \
+        "$0" --inside
+}
+
+# ---- inside the namespaces ------------------------------------------------
+
+started=()
+
+stop_process()
+{
+    local pid=$1
+    kill -TERM "$pid" 2>/dev/null || return 0
+    for _ in $(seq 100); do
+        kill -0 "$pid" 2>/dev/null || break
+        sleep 0.1
+    done
+    kill -KILL "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+}
+
+stop_all()
+{
+    local pid
+    for pid in "${started[@]}"; do
+        stop_process "$pid"
+    done
+}
+
+wait_for_file()
+{
+    for _ in $(seq 100); do
+        [ -s "$1" ] && return 0
+        sleep 0.1
+    done
+    echo "bench.sh: $1 did not appear" >&2
+    return 1
+}
+
+client()
+{
+    "$build/bench/plix_bench_client" "$@"
+}
+
+# Starts a program in the background with its output in the run directory;
+# sets "pid".
+launch()
+{
+    local log=$1
+    shift
+    "$@" >"$run/$log.log" 2>&1 &
+    pid=$!
+    started+=("$pid")
+}
+
+# Starts the program and sets "ready_ms" to the milliseconds from its exec to
+# the first successful reply of NAME; leaves it running with its id in "pid".
+start_timed()
+{
+    local name=$1 log=$2
+    shift 2
+    local since=$EPOCHREALTIME
+    launch "$log" "$@"
+    ready_ms=$(client ready "$name" "$since" 300)
+}
+
+memory_of()
+{
+    awk -v key="$2:" '$1 == key { print $2 }' "/proc/$1/status"
+}
+
+# min median max of the numbers given.
+summary()
+{
+    printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print v[1], v[int((NR + 1) / 2)], v[NR] }'
+}
+
+row()
+{
+    # section values figure unit min median p99 floor: ratio median / floor
+    awk -v s="$1" -v n="$2" -v f="$3" -v u="$4" -v a="$5" -v m="$6" -v p="$7" -v fl="$8" \
+        'BEGIN { printf "%s,%s,%s,%s,%.1f,%.1f,%.1f,%.1f,%.2f\n", s, n, f, u, a, m, p, fl, (fl > 0 ? m / fl : 0) }' \
+        >>"$csv"
+}
+
+start_bus()
+{
+    launch bus dbus-daemon --config-file="$root/bench/bench-bus.conf" \
+        --address="unix:path=$run/bus" --nofork --print-address=3 3>"$run/bus.address"
+    wait_for_file "$run/bus.address"
+    export DBUS_SYSTEM_BUS_ADDRESS="unix:path=$run/bus"
+}
+
+measure_floors()
+{
+    local times=() r
+    for r in 1 2 3 4 5; do
+        start_timed "$floor_name" floor "$build/bench/floor_service" "$floor_name"
+        times+=("$ready_ms")
+        [ "$r" = 5 ] || stop_process "$pid"
+    done
+    floor_startup=$(summary "${times[@]}" | awk '{ print $2 }')
+    launch memory_floor "$build/bench/memory_floor" "$memory_floor_name"
+    local memory_pid=$pid
+    for _ in $(seq 100); do
+        gdbus call --system --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
+            --method org.freedesktop.DBus.NameHasOwner "$memory_floor_name" | grep -q true && break
+        sleep 0.1
+    done
+    sleep 1
+    floor_rss=$(memory_of "$memory_pid" VmRSS)
+    floor_hwm=$(memory_of "$memory_pid" VmHWM)
+    stop_process "$memory_pid"
+}
+
+measure_size()
+{
+    local n=$1 repeats=5 count=2000 times=() r
+    if [ "$n" -ge 100000 ]; then
+        repeats=3
+        count=1000
+    fi
+    mkdir "$run/cfg$n"
+    "$build/bench/plix_bench_gen" "$run/cfg$n" values "$n" >/dev/null
+    for r in $(seq "$repeats"); do
+        start_timed "$service_name" "service$n" "$build/service/dbus-ex-plix" \
+            -c "$run/cfg$n/plix_config.xml"
+        times+=("$ready_ms")
+        [ "$r" = "$repeats" ] || stop_process "$pid"
+    done
+    local service_pid=$pid
+    read -r tmin tmed tmax <<<"$(summary "${times[@]}")"
+    row startup "$n" "exec to first reply" ms "$tmin" "$tmed" "$tmax" "$floor_startup"
+    local per_value
+    per_value=$(awk -v t="$tmed" -v f="$floor_startup" -v n="$n" 'BEGIN { print (t - f) * 1000 / n }')
+    row startup "$n" "start-up cost per value (beyond the floor)" us "$per_value" "$per_value" \
+        "$per_value" 0
+    sleep 1
+    local rss
+    rss=$(memory_of "$service_pid" VmRSS)
+    row memory "$n" "VmRSS idle after start-up" kB "$rss" "$rss" "$rss" "$floor_rss"
+    client latency "$service_name" "$floor_name" "$n" "$count" >>"$csv"
+    client throughput "$service_name" "$floor_name" "$n" 2 1 4 32 >>"$csv"
+    # Idle again, now with its password digests initialised like the floor's.
+    sleep 1
+    local rss_used hwm
+    rss_used=$(memory_of "$service_pid" VmRSS)
+    hwm=$(memory_of "$service_pid" VmHWM)
+    row memory "$n" "VmRSS idle after the calls" kB "$rss_used" "$rss_used" "$rss_used" "$floor_rss"
+    row memory "$n" "VmHWM" kB "$hwm" "$hwm" "$hwm" "$floor_hwm"
+    echo "$n $tmed $(awk -v r="$rss_used" -v h="$hwm" -v f="$floor_startup" -v fr="$floor_rss" \
+        'BEGIN { print r / 1024, h / 1024, f, fr / 1024 }')" >>"$run/points"
+    stop_process "$service_pid"
+}
+
+measure_commits()
+{
+    mkdir "$run/commit"
+    local ids
+    mapfile -t ids < <("$build/bench/plix_bench_gen" "$run/commit" files 10,1000,10000)
+    start_timed "$service_name" service-commit "$build/service/dbus-ex-plix" \
+        -c "$run/commit/plix_config.xml"
+    local service_pid=$pid
+    client commits "$service_name" "$floor_name" 1000 \
+        "${ids[0]}:10" "${ids[1]}:1000" "${ids[2]}:10000" >>"$csv"
+    stop_process "$service_pid"
+}
+
+print_table()
+{
+    echo
+    echo "Figures of the service and their floors (ratio: service cost / floor cost)"
+    column -t -s, "$csv"
+}
+
+inside()
+{
+    run=$PLIX_BENCH_RUN
+    csv=$build/bench.csv
+    trap stop_all EXIT
+    trap 'exit 130' INT TERM
+    mount --bind "$run/lock" "$(readlink -f /var/lock)"
+    echo "section,values,figure,unit,min,median,p99,floor,ratio" >"$csv"
+    : >"$run/points"
+    start_bus
+    echo "bench.sh: floors"
+    measure_floors
+    for n in $sizes; do
+        echo "bench.sh: $n values"
+        measure_size "$n"
+    done
+    echo "bench.sh: commits"
+    measure_commits
+    gnuplot -e "data='$run/points'; output='$build/bench.png'" "$root/bench/plot.gp"
+    print_table
+    echo
+    echo "bench.sh: engine without the bus"
+    "$build/bench/engine_bench" --benchmark_min_time=0.2 --benchmark_color=false \
+        --benchmark_out="$build/engine_bench.csv" --benchmark_out_format=csv
+    echo
+    echo "Written: $csv $build/bench.png $build/engine_bench.csv"
+}
+
+if [ "${1:-}" = --inside ]; then
+    inside
+else
+    outer
+fi
