@@ -53,6 +53,17 @@ keeps_configuration() {
         || fail "the second install did not say that it keeps the configuration"
 }
 
+# The libraries the loader gives a program, as ldd lists them. The build
+# machine's ldd cannot read a cross-built program: its own loader, run by the
+# emulator, lists them instead.
+loaded_libraries() {
+    if [ -n "$PLIX_EMULATOR" ]; then
+        $PLIX_EMULATOR -E LD_TRACE_LOADED_OBJECTS=1 "$1"
+    else
+        ldd "$1"
+    fi
+}
+
 # No run path into the build tree: the installed service takes the library
 # from the loader's search path, which here is the staged libdir.
 service_finds_library() {
@@ -61,8 +72,8 @@ service_finds_library() {
         fail "the installed service keeps a run path into the build tree"
     fi
     staged_environment
-    ldd "$service" | grep -F libsysconfig.so.1
-    ldd "$service" | grep -qF "libsysconfig.so.1 => $STAGE$PLIX_LIBDIR/libsysconfig.so.1 " \
+    loaded_libraries "$service" | grep -F libsysconfig.so.1
+    loaded_libraries "$service" | grep -qF "libsysconfig.so.1 => $STAGE$PLIX_LIBDIR/libsysconfig.so.1 " \
         || fail "the installed service does not take the staged libsysconfig.so.1"
 }
 
