@@ -87,8 +87,9 @@ int PlixJsonModifier::get_value(PlixValue* value)
     }
     bool linked = value->valueInJsonWillBeReadFromPreviousPlixValue();
     bool hasFile = value->getDataSet().getFile() != nullptr;
+    const std::string fileName = fileNameOf(*value);
     for (Panel_file& record : records) {
-        if (!linked && hasFile && record.file->getName() == fileNameOf(*value)) {
+        if (!linked && hasFile && record.file->getName() == fileName) {
             readFrom(record, value);
         }
     }

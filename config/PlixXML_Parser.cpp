@@ -35,10 +35,9 @@ bool is(const char* name, const char* element)
 } // namespace
 
 PlixXML_Parser::PlixXML_Parser(std::string path, std::string unused, ValueTable* values,
-                               PlixJsonModifier* jsonModifier,
-                               std::vector<PlixDataSet*>* dataSets)
-    : path(std::move(path)), unused(std::move(unused)), values(values),
-      jsonModifier(jsonModifier), dataSets(dataSets)
+                               PlixJsonModifier* jsonModifier, std::vector<PlixDataSet*>* dataSets)
+    : path(std::move(path)), unused(std::move(unused)), values(values), jsonModifier(jsonModifier),
+      dataSets(dataSets)
 {
     readFile();
     parse_XML();
@@ -180,12 +179,9 @@ void PlixXML_Parser::declareValue(const std::string& name)
     if (position.dataSet == nullptr) {
         return;
     }
+    // Built in place, and only when the XML-ID is new: one lookup, no copy.
     std::string xmlId = position.dataSet->getName() + "/" + name;
-    auto entry = values->find(xmlId);
-    if (entry == values->end()) {
-        PlixValue declared(name, *position.dataSet);
-        entry = values->emplace(xmlId, declared).first;
-    }
+    auto entry = values->try_emplace(std::move(xmlId), name, *position.dataSet).first;
     position.value = &entry->second;
     position.dataSet->insertPlixValue(position.value);
 }

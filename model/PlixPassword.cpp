@@ -5,14 +5,14 @@
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
 namespace {
 
-const std::string saltAlphabet =
-    "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+const std::string saltAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 const char hexDigits[] = "0123456789abcdef";
 // The stored form ends with the 30-character salt, hex-encoded.
 const int saltLength = 30;
@@ -46,16 +46,91 @@ std::string randomSalt(int n)
 
 // Each byte as lowercase hex without a leading zero: stored passwords were
 // written this way, so a candidate must be rendered the same way to match.
-std::string unpaddedHex(const unsigned char* bytes, unsigned length)
+// The text is rendered into the caller's string, whose capacity is reused.
+void renderUnpaddedHex(const unsigned char* bytes, unsigned length, std::string& text)
 {
-    std::string text;
+    char hex[2 * EVP_MAX_MD_SIZE];
+    std::size_t used = 0;
     for (unsigned i = 0; i < length; ++i) {
         if (bytes[i] >= 0x10) {
-            text += hexDigits[bytes[i] >> 4];
+            hex[used++] = hexDigits[bytes[i] >> 4];
         }
-        text += hexDigits[bytes[i] & 0x0f];
+        hex[used++] = hexDigits[bytes[i] & 0x0f];
     }
-    return text;
+    text.assign(hex, used);
+}
+
+// One digest and one context serve every round of a chain: looking the digest
+// up and creating a context per round cost more than the digest itself. The
+// named digest's implementation is fetched once here; given the name alone,
+// every initialisation would look it up again. Should the fetch fail, the
+// named digest is used as it is and fails the same way it always did.
+class DigestRounds
+{
+public:
+    explicit DigestRounds(const EVP_MD* named)
+        : fetched(EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), "")),
+          digest(fetched != nullptr ? fetched : named), context(EVP_MD_CTX_new())
+    {
+        text.reserve(2 * EVP_MAX_MD_SIZE);
+    }
+    ~DigestRounds()
+    {
+        EVP_MD_CTX_free(context);
+        EVP_MD_free(fetched);
+    }
+    DigestRounds(const DigestRounds&) = delete;
+    DigestRounds& operator=(const DigestRounds&) = delete;
+
+    // The digest of first then second, as unpadded hex in result().
+    void round(const char* first, std::size_t firstLength, const char* second,
+               std::size_t secondLength)
+    {
+        unsigned char bytes[EVP_MAX_MD_SIZE];
+        unsigned length = 0;
+        EVP_DigestInit_ex(context, digest, nullptr);
+        EVP_DigestUpdate(context, first, firstLength);
+        EVP_DigestUpdate(context, second, secondLength);
+        EVP_DigestFinal_ex(context, bytes, &length);
+        renderUnpaddedHex(bytes, length, text);
+    }
+
+    // Digest of the previous result alone; hex text holds no NUL, so its
+    // whole length is what a NUL-terminated reading would take.
+    void again() { round(text.data(), text.size(), "", 0); }
+
+    std::string& result() { return text; }
+
+private:
+    EVP_MD* fetched;
+    const EVP_MD* digest;
+    EVP_MD_CTX* context;
+    std::string text;
+};
+
+// Only the bytes up to the first NUL count, as with every stored form.
+std::size_t textLength(const std::string& text)
+{
+    return std::char_traits<char>::length(text.c_str());
+}
+
+// The digest of text and salt, then repeats digests of the previous digest
+// text alone.
+std::string digestChain(const std::string& digestName, const std::string& text,
+                        const std::string& salt, int repeats)
+{
+    const EVP_MD* digest = EVP_get_digestbyname(digestName.c_str());
+    if (digest == nullptr) {
+        // An unknown digest name is a configuration slip, not an error: the
+        // value then simply has an empty digest text.
+        return std::string();
+    }
+    DigestRounds rounds(digest);
+    rounds.round(text.c_str(), textLength(text), salt.c_str(), textLength(salt));
+    for (int i = 0; i < repeats; ++i) {
+        rounds.again();
+    }
+    return std::move(rounds.result());
 }
 
 } // namespace
@@ -99,8 +174,8 @@ bool PlixPassword::operator==(std::string candidate) const
         return false;
     }
     // Constant time, so the time taken tells nothing about how much matched.
-    return digest.size() == stored.size()
-        && CRYPTO_memcmp(digest.data(), stored.data(), stored.size()) == 0;
+    return digest.size() == stored.size() &&
+           CRYPTO_memcmp(digest.data(), stored.data(), stored.size()) == 0;
 }
 
 std::string PlixPassword::getHashedPassword() const
@@ -115,31 +190,12 @@ int PlixPassword::getPlainTextLength() const
 
 std::string PlixPassword::hash(std::string text, std::string salt) const
 {
-    const EVP_MD* digest = EVP_get_digestbyname(digestName.c_str());
-    if (digest == nullptr) {
-        // An unknown digest name is a configuration slip, not an error: the
-        // value then simply has an empty digest text.
-        return std::string();
-    }
-    unsigned char bytes[EVP_MAX_MD_SIZE];
-    unsigned length = 0;
-    EVP_MD_CTX* context = EVP_MD_CTX_new();
-    EVP_DigestInit_ex(context, digest, nullptr);
-    // Only the bytes up to the first NUL count, as with every stored form.
-    EVP_DigestUpdate(context, text.c_str(), std::char_traits<char>::length(text.c_str()));
-    EVP_DigestUpdate(context, salt.c_str(), std::char_traits<char>::length(salt.c_str()));
-    EVP_DigestFinal_ex(context, bytes, &length);
-    EVP_MD_CTX_free(context);
-    return unpaddedHex(bytes, length);
+    return digestChain(digestName, text, salt, 0);
 }
 
 std::string PlixPassword::hashChain(const std::string& text, const std::string& salt) const
 {
-    std::string digest = hash(text, salt);
-    for (int i = 0; i < iterations; ++i) {
-        digest = hash(digest, std::string());
-    }
-    return digest;
+    return digestChain(digestName, text, salt, iterations);
 }
 
 std::string PlixPassword::generate_salt(int n) const
