@@ -31,13 +31,15 @@ PlixDataSetOnChangeSysconfigNetwork::PlixDataSetOnChangeSysconfigNetwork(PlixDat
 {
 }
 
-void PlixDataSetOnChangeSysconfigNetwork::parseIPTypeStringToInt(std::string text, unsigned char* out)
+void PlixDataSetOnChangeSysconfigNetwork::parseIPTypeStringToInt(std::string text,
+                                                                 unsigned char* out)
 {
     const int recordFieldBytes = 4;
     std::string::size_type start = 0;
     for (int part = 0; part < recordFieldBytes; ++part) {
         const std::string::size_type dot = text.find('.', start);
-        const std::string piece = text.substr(start, dot == std::string::npos ? std::string::npos : dot - start);
+        const std::string piece =
+            text.substr(start, dot == std::string::npos ? std::string::npos : dot - start);
         out[part] = static_cast<unsigned char>(plixStrtoInt(piece.c_str()));
         if (dot == std::string::npos) {
             return;
@@ -53,8 +55,11 @@ int PlixDataSetOnChangeSysconfigNetwork::sendRecord(const sysconfig_ipconfig_t& 
 
 unsigned PlixDataSetOnChangeSysconfigNetwork::onChange()
 {
-    const bool dhcp = PlixDataSetMember::readOrExit(dataSet, "dhcp",
-        "Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Dhcp Read: %s").asBool();
+    const bool dhcp =
+        PlixDataSetMember::readOrExit(
+            dataSet, "dhcp",
+            "Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Dhcp Read: %s")
+            .asBool();
     return dhcp ? startDhcp() : applyStaticAddress();
 }
 
@@ -71,21 +76,33 @@ unsigned PlixDataSetOnChangeSysconfigNetwork::startDhcp()
 unsigned PlixDataSetOnChangeSysconfigNetwork::applyStaticAddress()
 {
     sysconfig_ipconfig_t record = {};
-    const std::string address = PlixDataSetMember::readOrExit(dataSet, "ipaddress",
-        "Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange IP address Read: %s").getAsString();
+    const std::string address =
+        PlixDataSetMember::readOrExit(
+            dataSet, "ipaddress",
+            "Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange IP address Read: "
+            "%s")
+            .getAsString();
     parseIPTypeStringToInt(address, record.address);
-    const std::string mask = PlixDataSetMember::readOrExit(dataSet, "subnetmask",
-        "Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Subnetmask read: %s").getAsString();
+    const std::string mask =
+        PlixDataSetMember::readOrExit(
+            dataSet, "subnetmask",
+            "Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Subnetmask read: "
+            "%s")
+            .getAsString();
     parseIPTypeStringToInt(mask, record.netmask);
-    const std::string gateway = PlixDataSetMember::readOrExit(dataSet, "gateway",
-        "Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Gateway read: %s").getAsString();
+    const std::string gateway =
+        PlixDataSetMember::readOrExit(
+            dataSet, "gateway",
+            "Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Gateway read: %s")
+            .getAsString();
     parseIPTypeStringToInt(gateway, record.gateway);
     stopDhcpClient();
 
     switch (sendRecord(record)) {
     case 1:
         plixLog(LOG_NOTICE,
-                "Successfully used PlixDataSetOnChangeSysconfigNetwork to set IP-address %s, subnetmask %s and gateway %s",
+                "Successfully used PlixDataSetOnChangeSysconfigNetwork to set IP-address %s, "
+                "subnetmask %s and gateway %s",
                 address.c_str(), mask.c_str(), gateway.c_str());
         return 0;
     case 3:
@@ -96,7 +113,8 @@ unsigned PlixDataSetOnChangeSysconfigNetwork::applyStaticAddress()
         return 402;
     default:
         plixLog(LOG_WARNING,
-                "DataSetOnChangeSysconfigNetwork failed with IP-address %s, subnetmask %s and gateway %s",
+                "DataSetOnChangeSysconfigNetwork failed with IP-address %s, subnetmask %s and "
+                "gateway %s",
                 address.c_str(), mask.c_str(), gateway.c_str());
         return 13;
     }

@@ -4,6 +4,7 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -15,12 +16,9 @@ bool isPlainWord(const std::string& text)
     if (text.empty()) {
         return false;
     }
-    for (char c : text) {
-        if (!g_ascii_isalnum(c) && punctuation.find(c) == std::string::npos) {
-            return false;
-        }
-    }
-    return true;
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return g_ascii_isalnum(c) || punctuation.find(c) != std::string::npos;
+    });
 }
 
 void replaceAll(std::string& text, const std::string& from, const std::string& to)
@@ -34,8 +32,7 @@ void replaceAll(std::string& text, const std::string& from, const std::string& t
 
 } // namespace
 
-PlixShellCommand::PlixShellCommand(std::string command)
-    : command(std::move(command))
+PlixShellCommand::PlixShellCommand(std::string command) : command(std::move(command))
 {
 }
 

@@ -16,7 +16,8 @@ unsigned PlixValueOnChangeSysconfigStationName::onChange()
     // The library takes the name by length; no terminating NUL is needed.
     const sysconfig_sysname_t record = {stationName.data(), stationName.size()};
     if (sysconfig_set_sysname(plixSysconfigCaller, &record) == 1) {
-        plixLog(LOG_NOTICE, "Successfully used PlixValueOnChangeSysconfigStationName to set Station Name: %s",
+        plixLog(LOG_NOTICE,
+                "Successfully used PlixValueOnChangeSysconfigStationName to set Station Name: %s",
                 stationName.c_str());
         return 0;
     }

@@ -34,7 +34,7 @@ void plixLog(int priority, const char* format, ...)
     const char* text = stackBuffer;
     if (length >= static_cast<int>(sizeof stackBuffer)) {
         heapBuffer.resize(static_cast<size_t>(length) + 1);
-        vsnprintf(&heapBuffer[0], heapBuffer.size(), format, again);
+        vsnprintf(heapBuffer.data(), heapBuffer.size(), format, again);
         text = heapBuffer.c_str();
     }
     va_end(again);

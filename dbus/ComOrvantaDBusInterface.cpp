@@ -46,8 +46,8 @@ gboolean ComOrvantaDBusInterface::static_Quit(OrvantaDbus* skeleton,
     return getInstance()->Quit(skeleton, invocation);
 }
 
-gboolean ComOrvantaDBusInterface::answer(OrvantaDbus* skeleton,
-                                         GDBusMethodInvocation* invocation, const char* text)
+gboolean ComOrvantaDBusInterface::answer(OrvantaDbus* skeleton, GDBusMethodInvocation* invocation,
+                                         const char* text)
 {
     // The text carries its own line feed, so the log shows the line followed
     // by an empty one. Both methods reply empty; one completion serves both.

@@ -9,7 +9,7 @@ namespace {
 // What the engine answers when a value is asked for as another type; a
 // candidate of a type no value can have gets the same answer.
 constexpr int wrongTypeStatus = 11;
-}
+} // namespace
 
 DBusInterface* DBusInterface::dBusIntfInstance = nullptr;
 
@@ -83,36 +83,32 @@ gboolean DBusInterface::transactionStop(PlixDBusAdaptor* skeleton,
     return TRUE;
 }
 
-gboolean DBusInterface::setBoolValue(PlixDBusAdaptor* skeleton,
-                                     GDBusMethodInvocation* invocation, const gchar* id,
-                                     gboolean value)
+gboolean DBusInterface::setBoolValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                     const gchar* id, gboolean value)
 {
     const int status = Plix::getInstance()->setBoolValue(clientOf(invocation), id, value);
     plix_dbus_adaptor_complete_set_bool_value(skeleton, invocation, status);
     return TRUE;
 }
 
-gboolean DBusInterface::setIntValue(PlixDBusAdaptor* skeleton,
-                                    GDBusMethodInvocation* invocation, const gchar* id,
-                                    gint value)
+gboolean DBusInterface::setIntValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                    const gchar* id, gint value)
 {
     const int status = Plix::getInstance()->setIntValue(clientOf(invocation), id, value);
     plix_dbus_adaptor_complete_set_int_value(skeleton, invocation, status);
     return TRUE;
 }
 
-gboolean DBusInterface::setDoubleValue(PlixDBusAdaptor* skeleton,
-                                       GDBusMethodInvocation* invocation, const gchar* id,
-                                       gdouble value)
+gboolean DBusInterface::setDoubleValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                       const gchar* id, gdouble value)
 {
     const int status = Plix::getInstance()->setDoubleValue(clientOf(invocation), id, value);
     plix_dbus_adaptor_complete_set_double_value(skeleton, invocation, status);
     return TRUE;
 }
 
-gboolean DBusInterface::setStringValue(PlixDBusAdaptor* skeleton,
-                                       GDBusMethodInvocation* invocation, const gchar* id,
-                                       const gchar* value)
+gboolean DBusInterface::setStringValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                       const gchar* id, const gchar* value)
 {
     const int status = Plix::getInstance()->setStringValue(clientOf(invocation), id, value);
     plix_dbus_adaptor_complete_set_string_value(skeleton, invocation, status);
@@ -120,28 +116,26 @@ gboolean DBusInterface::setStringValue(PlixDBusAdaptor* skeleton,
 }
 
 gboolean DBusInterface::setBoolValueTransient(PlixDBusAdaptor* skeleton,
-                                              GDBusMethodInvocation* invocation,
-                                              const gchar* id, gboolean value)
+                                              GDBusMethodInvocation* invocation, const gchar* id,
+                                              gboolean value)
 {
-    const int status =
-        Plix::getInstance()->setBoolValueTransient(clientOf(invocation), id, value);
+    const int status = Plix::getInstance()->setBoolValueTransient(clientOf(invocation), id, value);
     plix_dbus_adaptor_complete_set_bool_value_transient(skeleton, invocation, status);
     return TRUE;
 }
 
 gboolean DBusInterface::setIntValueTransient(PlixDBusAdaptor* skeleton,
-                                             GDBusMethodInvocation* invocation,
-                                             const gchar* id, gint value)
+                                             GDBusMethodInvocation* invocation, const gchar* id,
+                                             gint value)
 {
-    const int status =
-        Plix::getInstance()->setIntValueTransient(clientOf(invocation), id, value);
+    const int status = Plix::getInstance()->setIntValueTransient(clientOf(invocation), id, value);
     plix_dbus_adaptor_complete_set_int_value_transient(skeleton, invocation, status);
     return TRUE;
 }
 
 gboolean DBusInterface::setDoubleValueTransient(PlixDBusAdaptor* skeleton,
-                                                GDBusMethodInvocation* invocation,
-                                                const gchar* id, gdouble value)
+                                                GDBusMethodInvocation* invocation, const gchar* id,
+                                                gdouble value)
 {
     const int status =
         Plix::getInstance()->setDoubleValueTransient(clientOf(invocation), id, value);
@@ -150,8 +144,8 @@ gboolean DBusInterface::setDoubleValueTransient(PlixDBusAdaptor* skeleton,
 }
 
 gboolean DBusInterface::setStringValueTransient(PlixDBusAdaptor* skeleton,
-                                                GDBusMethodInvocation* invocation,
-                                                const gchar* id, const gchar* value)
+                                                GDBusMethodInvocation* invocation, const gchar* id,
+                                                const gchar* value)
 {
     const int status =
         Plix::getInstance()->setStringValueTransient(clientOf(invocation), id, value);
@@ -162,8 +156,8 @@ gboolean DBusInterface::setStringValueTransient(PlixDBusAdaptor* skeleton,
 // The out-slots of the getters are zeroed so that a failed read replies a
 // defined value; callers look at it only when the status is 0.
 
-gboolean DBusInterface::getBoolValue(PlixDBusAdaptor* skeleton,
-                                     GDBusMethodInvocation* invocation, const gchar* id)
+gboolean DBusInterface::getBoolValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                     const gchar* id)
 {
     bool value = false;
     const int status = Plix::getInstance()->getBoolValue(clientOf(invocation), id, value);
@@ -171,8 +165,8 @@ gboolean DBusInterface::getBoolValue(PlixDBusAdaptor* skeleton,
     return TRUE;
 }
 
-gboolean DBusInterface::getIntValue(PlixDBusAdaptor* skeleton,
-                                    GDBusMethodInvocation* invocation, const gchar* id)
+gboolean DBusInterface::getIntValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                    const gchar* id)
 {
     int value = 0;
     const int status = Plix::getInstance()->getIntValue(clientOf(invocation), id, value);
@@ -180,8 +174,8 @@ gboolean DBusInterface::getIntValue(PlixDBusAdaptor* skeleton,
     return TRUE;
 }
 
-gboolean DBusInterface::getDoubleValue(PlixDBusAdaptor* skeleton,
-                                       GDBusMethodInvocation* invocation, const gchar* id)
+gboolean DBusInterface::getDoubleValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                       const gchar* id)
 {
     double value = 0.0;
     const int status = Plix::getInstance()->getDoubleValue(clientOf(invocation), id, value);
@@ -189,8 +183,8 @@ gboolean DBusInterface::getDoubleValue(PlixDBusAdaptor* skeleton,
     return TRUE;
 }
 
-gboolean DBusInterface::getStringValue(PlixDBusAdaptor* skeleton,
-                                       GDBusMethodInvocation* invocation, const gchar* id)
+gboolean DBusInterface::getStringValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                       const gchar* id)
 {
     std::string value;
     const int status = Plix::getInstance()->getStringValue(clientOf(invocation), id, value);
@@ -199,30 +193,25 @@ gboolean DBusInterface::getStringValue(PlixDBusAdaptor* skeleton,
 }
 
 gboolean DBusInterface::getBoolValueTransient(PlixDBusAdaptor* skeleton,
-                                              GDBusMethodInvocation* invocation,
-                                              const gchar* id)
+                                              GDBusMethodInvocation* invocation, const gchar* id)
 {
     bool value = false;
-    const int status =
-        Plix::getInstance()->getBoolValueTransient(clientOf(invocation), id, value);
+    const int status = Plix::getInstance()->getBoolValueTransient(clientOf(invocation), id, value);
     plix_dbus_adaptor_complete_get_bool_value_transient(skeleton, invocation, status, value);
     return TRUE;
 }
 
 gboolean DBusInterface::getIntValueTransient(PlixDBusAdaptor* skeleton,
-                                             GDBusMethodInvocation* invocation,
-                                             const gchar* id)
+                                             GDBusMethodInvocation* invocation, const gchar* id)
 {
     int value = 0;
-    const int status =
-        Plix::getInstance()->getIntValueTransient(clientOf(invocation), id, value);
+    const int status = Plix::getInstance()->getIntValueTransient(clientOf(invocation), id, value);
     plix_dbus_adaptor_complete_get_int_value_transient(skeleton, invocation, status, value);
     return TRUE;
 }
 
 gboolean DBusInterface::getDoubleValueTransient(PlixDBusAdaptor* skeleton,
-                                                GDBusMethodInvocation* invocation,
-                                                const gchar* id)
+                                                GDBusMethodInvocation* invocation, const gchar* id)
 {
     double value = 0.0;
     const int status =
@@ -232,8 +221,7 @@ gboolean DBusInterface::getDoubleValueTransient(PlixDBusAdaptor* skeleton,
 }
 
 gboolean DBusInterface::getStringValueTransient(PlixDBusAdaptor* skeleton,
-                                                GDBusMethodInvocation* invocation,
-                                                const gchar* id)
+                                                GDBusMethodInvocation* invocation, const gchar* id)
 {
     std::string value;
     const int status =

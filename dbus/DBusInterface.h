@@ -31,17 +31,14 @@ public:
                             const gchar* id, gdouble value);
     gboolean setStringValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
                             const gchar* id, const gchar* value);
-    gboolean setBoolValueTransient(PlixDBusAdaptor* skeleton,
-                                   GDBusMethodInvocation* invocation, const gchar* id,
-                                   gboolean value);
+    gboolean setBoolValueTransient(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                   const gchar* id, gboolean value);
     gboolean setIntValueTransient(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
                                   const gchar* id, gint value);
-    gboolean setDoubleValueTransient(PlixDBusAdaptor* skeleton,
-                                     GDBusMethodInvocation* invocation, const gchar* id,
-                                     gdouble value);
-    gboolean setStringValueTransient(PlixDBusAdaptor* skeleton,
-                                     GDBusMethodInvocation* invocation, const gchar* id,
-                                     const gchar* value);
+    gboolean setDoubleValueTransient(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                     const gchar* id, gdouble value);
+    gboolean setStringValueTransient(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                     const gchar* id, const gchar* value);
 
     gboolean getBoolValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
                           const gchar* id);
@@ -51,17 +48,17 @@ public:
                             const gchar* id);
     gboolean getStringValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
                             const gchar* id);
-    gboolean getBoolValueTransient(PlixDBusAdaptor* skeleton,
-                                   GDBusMethodInvocation* invocation, const gchar* id);
+    gboolean getBoolValueTransient(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                   const gchar* id);
     gboolean getIntValueTransient(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
                                   const gchar* id);
-    gboolean getDoubleValueTransient(PlixDBusAdaptor* skeleton,
-                                     GDBusMethodInvocation* invocation, const gchar* id);
-    gboolean getStringValueTransient(PlixDBusAdaptor* skeleton,
-                                     GDBusMethodInvocation* invocation, const gchar* id);
+    gboolean getDoubleValueTransient(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                     const gchar* id);
+    gboolean getStringValueTransient(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                     const gchar* id);
 
-    gboolean verify(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
-                    GVariant* value, const gchar* id);
+    gboolean verify(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation, GVariant* value,
+                    const gchar* id);
 
     // Handler of the control panel's "applet-changed" signal: logs only.
     void applet_changed(OrvantaZectrl* proxy, int id);
@@ -69,17 +66,15 @@ public:
     // Signal-signature wrappers that reach the singleton; these are what
     // connect_methods() connects.
     static gboolean static_transactionStart(PlixDBusAdaptor* skeleton,
-                                            GDBusMethodInvocation* invocation,
-                                            gboolean persistent, gpointer userData);
+                                            GDBusMethodInvocation* invocation, gboolean persistent,
+                                            gpointer userData);
     static gboolean static_transactionStop(PlixDBusAdaptor* skeleton,
-                                           GDBusMethodInvocation* invocation,
-                                           gpointer userData);
+                                           GDBusMethodInvocation* invocation, gpointer userData);
     static gboolean static_setBoolValue(PlixDBusAdaptor* skeleton,
                                         GDBusMethodInvocation* invocation, const gchar* id,
                                         gboolean value, gpointer userData);
-    static gboolean static_setIntValue(PlixDBusAdaptor* skeleton,
-                                       GDBusMethodInvocation* invocation, const gchar* id,
-                                       gint value, gpointer userData);
+    static gboolean static_setIntValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                       const gchar* id, gint value, gpointer userData);
     static gboolean static_setDoubleValue(PlixDBusAdaptor* skeleton,
                                           GDBusMethodInvocation* invocation, const gchar* id,
                                           gdouble value, gpointer userData);
@@ -87,13 +82,11 @@ public:
                                           GDBusMethodInvocation* invocation, const gchar* id,
                                           const gchar* value, gpointer userData);
     static gboolean static_setBoolValueTransient(PlixDBusAdaptor* skeleton,
-                                                 GDBusMethodInvocation* invocation,
-                                                 const gchar* id, gboolean value,
-                                                 gpointer userData);
+                                                 GDBusMethodInvocation* invocation, const gchar* id,
+                                                 gboolean value, gpointer userData);
     static gboolean static_setIntValueTransient(PlixDBusAdaptor* skeleton,
-                                                GDBusMethodInvocation* invocation,
-                                                const gchar* id, gint value,
-                                                gpointer userData);
+                                                GDBusMethodInvocation* invocation, const gchar* id,
+                                                gint value, gpointer userData);
     static gboolean static_setDoubleValueTransient(PlixDBusAdaptor* skeleton,
                                                    GDBusMethodInvocation* invocation,
                                                    const gchar* id, gdouble value,
@@ -105,9 +98,8 @@ public:
     static gboolean static_getBoolValue(PlixDBusAdaptor* skeleton,
                                         GDBusMethodInvocation* invocation, const gchar* id,
                                         gpointer userData);
-    static gboolean static_getIntValue(PlixDBusAdaptor* skeleton,
-                                       GDBusMethodInvocation* invocation, const gchar* id,
-                                       gpointer userData);
+    static gboolean static_getIntValue(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                       const gchar* id, gpointer userData);
     static gboolean static_getDoubleValue(PlixDBusAdaptor* skeleton,
                                           GDBusMethodInvocation* invocation, const gchar* id,
                                           gpointer userData);
@@ -115,11 +107,11 @@ public:
                                           GDBusMethodInvocation* invocation, const gchar* id,
                                           gpointer userData);
     static gboolean static_getBoolValueTransient(PlixDBusAdaptor* skeleton,
-                                                 GDBusMethodInvocation* invocation,
-                                                 const gchar* id, gpointer userData);
+                                                 GDBusMethodInvocation* invocation, const gchar* id,
+                                                 gpointer userData);
     static gboolean static_getIntValueTransient(PlixDBusAdaptor* skeleton,
-                                                GDBusMethodInvocation* invocation,
-                                                const gchar* id, gpointer userData);
+                                                GDBusMethodInvocation* invocation, const gchar* id,
+                                                gpointer userData);
     static gboolean static_getDoubleValueTransient(PlixDBusAdaptor* skeleton,
                                                    GDBusMethodInvocation* invocation,
                                                    const gchar* id, gpointer userData);
@@ -128,16 +120,14 @@ public:
                                                    const gchar* id, gpointer userData);
     static gboolean static_verify(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
                                   GVariant* value, const gchar* id, gpointer userData);
-    static void static_applet_changed(OrvantaZectrl* proxy, int id,
-                                      gpointer userData = nullptr);
+    static void static_applet_changed(OrvantaZectrl* proxy, int id, gpointer userData = nullptr);
 
     // The caller's unique bus name: the client as the engine knows it.
     static std::string clientOf(GDBusMethodInvocation* invocation);
 
 private:
     DBusInterface();
-    static int verifyVariant(const std::string& client, const std::string& id,
-                             GVariant* candidate);
+    static int verifyVariant(const std::string& client, const std::string& id, GVariant* candidate);
 
     static DBusInterface* dBusIntfInstance;
 };

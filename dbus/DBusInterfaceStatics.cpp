@@ -31,15 +31,15 @@ gboolean DBusInterface::static_setIntValue(PlixDBusAdaptor* skeleton,
 }
 
 gboolean DBusInterface::static_setDoubleValue(PlixDBusAdaptor* skeleton,
-                                              GDBusMethodInvocation* invocation,
-                                              const gchar* id, gdouble value, gpointer)
+                                              GDBusMethodInvocation* invocation, const gchar* id,
+                                              gdouble value, gpointer)
 {
     return getInstance()->setDoubleValue(skeleton, invocation, id, value);
 }
 
 gboolean DBusInterface::static_setStringValue(PlixDBusAdaptor* skeleton,
-                                              GDBusMethodInvocation* invocation,
-                                              const gchar* id, const gchar* value, gpointer)
+                                              GDBusMethodInvocation* invocation, const gchar* id,
+                                              const gchar* value, gpointer)
 {
     return getInstance()->setStringValue(skeleton, invocation, id, value);
 }
@@ -60,8 +60,7 @@ gboolean DBusInterface::static_setIntValueTransient(PlixDBusAdaptor* skeleton,
 
 gboolean DBusInterface::static_setDoubleValueTransient(PlixDBusAdaptor* skeleton,
                                                        GDBusMethodInvocation* invocation,
-                                                       const gchar* id, gdouble value,
-                                                       gpointer)
+                                                       const gchar* id, gdouble value, gpointer)
 {
     return getInstance()->setDoubleValueTransient(skeleton, invocation, id, value);
 }
@@ -89,15 +88,15 @@ gboolean DBusInterface::static_getIntValue(PlixDBusAdaptor* skeleton,
 }
 
 gboolean DBusInterface::static_getDoubleValue(PlixDBusAdaptor* skeleton,
-                                              GDBusMethodInvocation* invocation,
-                                              const gchar* id, gpointer)
+                                              GDBusMethodInvocation* invocation, const gchar* id,
+                                              gpointer)
 {
     return getInstance()->getDoubleValue(skeleton, invocation, id);
 }
 
 gboolean DBusInterface::static_getStringValue(PlixDBusAdaptor* skeleton,
-                                              GDBusMethodInvocation* invocation,
-                                              const gchar* id, gpointer)
+                                              GDBusMethodInvocation* invocation, const gchar* id,
+                                              gpointer)
 {
     return getInstance()->getStringValue(skeleton, invocation, id);
 }
@@ -130,9 +129,8 @@ gboolean DBusInterface::static_getStringValueTransient(PlixDBusAdaptor* skeleton
     return getInstance()->getStringValueTransient(skeleton, invocation, id);
 }
 
-gboolean DBusInterface::static_verify(PlixDBusAdaptor* skeleton,
-                                      GDBusMethodInvocation* invocation, GVariant* value,
-                                      const gchar* id, gpointer)
+gboolean DBusInterface::static_verify(PlixDBusAdaptor* skeleton, GDBusMethodInvocation* invocation,
+                                      GVariant* value, const gchar* id, gpointer)
 {
     return getInstance()->verify(skeleton, invocation, value, id);
 }

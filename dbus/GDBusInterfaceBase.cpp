@@ -1,7 +1,6 @@
 #include "GDBusInterfaceBase.h"
 
-GDBusInterfaceBase::GDBusInterfaceBase(GTypeInstance* adaptor)
-    : mAdaptor(adaptor)
+GDBusInterfaceBase::GDBusInterfaceBase(GTypeInstance* adaptor) : mAdaptor(adaptor)
 {
 }
 

@@ -31,13 +31,12 @@ guint OrvantaSystemBus::registerService(const std::string& name, GMainLoop* loop
     }
     // Another instance asking with "replace" may take the name over; this
     // one then ends through the name-lost callback.
-    const auto flags = static_cast<GBusNameOwnerFlags>(G_BUS_NAME_OWNER_FLAGS_ALLOW_REPLACEMENT
-                                                       | G_BUS_NAME_OWNER_FLAGS_REPLACE);
+    const auto flags = static_cast<GBusNameOwnerFlags>(G_BUS_NAME_OWNER_FLAGS_ALLOW_REPLACEMENT |
+                                                       G_BUS_NAME_OWNER_FLAGS_REPLACE);
     const bool parentWaits = mSemid >= 0;
     return g_bus_own_name(G_BUS_TYPE_SYSTEM, name.c_str(), flags, nullptr,
                           parentWaits ? on_name_acquired_sem_locked : on_name_acquired,
-                          parentWaits ? on_name_lost_sem_locked : on_name_lost, loop,
-                          nullptr);
+                          parentWaits ? on_name_lost_sem_locked : on_name_lost, loop, nullptr);
 }
 
 void OrvantaSystemBus::export_interfaces(GDBusConnection* connection)
@@ -47,8 +46,8 @@ void OrvantaSystemBus::export_interfaces(GDBusConnection* connection)
     for (std::size_t i = 0; i < m_interfaces.size(); ++i) {
         GDBusInterfaceBase* iface = m_interfaces.at(i);
         iface->connect_methods();
-        g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(iface->getAdaptor()),
-                                         connection, m_path.at(i).c_str(), nullptr);
+        g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(iface->getAdaptor()), connection,
+                                         m_path.at(i).c_str(), nullptr);
     }
 }
 

@@ -14,8 +14,7 @@ public:
     bool registerObject(const std::string& path, GDBusInterfaceBase* iface) override;
     ~OrvantaSystemBus() override;
 
-    static void on_name_acquired(GDBusConnection* connection, const gchar* name,
-                                 gpointer loop);
+    static void on_name_acquired(GDBusConnection* connection, const gchar* name, gpointer loop);
     static void on_name_lost(GDBusConnection* connection, const gchar* name, gpointer loop);
     static void on_name_acquired_sem_locked(GDBusConnection* connection, const gchar* name,
                                             gpointer loop);

@@ -173,6 +173,7 @@ int PlixMonitorInterface::applyChanges(const std::string& client, GVariant* chan
 void PlixMonitorInterface::valuesChanged(const std::vector<std::string>& xmlIds, bool persistent)
 {
     std::vector<const gchar*> ids;
+    ids.reserve(xmlIds.size() + 1);
     for (const std::string& id : xmlIds) {
         ids.push_back(id.c_str());
     }

@@ -3,7 +3,9 @@
 #include "Plix.h"
 #include "PlixVariant.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -26,12 +28,8 @@ int readAs(int (Plix::*read)(std::string, std::string, T&), Plix& engine, const 
 bool PlixMonitorValues::settable(GVariant* value)
 {
     const char* type = g_variant_get_type_string(value);
-    for (const char* accepted : settableTypes) {
-        if (std::strcmp(type, accepted) == 0) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(std::begin(settableTypes), std::end(settableTypes),
+                       [type](const char* accepted) { return std::strcmp(type, accepted) == 0; });
 }
 
 int PlixMonitorValues::set(Plix& engine, const std::string& client, const std::string& xml_id,

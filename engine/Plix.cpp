@@ -30,8 +30,8 @@ Plix* Plix::getInstance()
 }
 
 Plix::Plix()
-    : client(idleClient), values(valueTableBuckets), persistent(true), configured(false), triggerOnStart(false),
-      timeout([this] { client_timeout(SIGALRM); })
+    : client(idleClient), values(valueTableBuckets), persistent(true), configured(false),
+      triggerOnStart(false), timeout([this] { client_timeout(SIGALRM); })
 {
     PlixClientTimeout::installSignalHandler(&Plix::client_timeout_proxy);
 }
@@ -59,8 +59,8 @@ void Plix::configure(int argc, char** argv)
     }
     // The model is built once; later calls only re-read the stored values.
     if (!configured) {
-        xmlParser = std::make_unique<PlixXML_Parser>(xmlConfigPath, "not_created_yet", &values, &jsonModifier,
-                                                     &dataSets);
+        xmlParser = std::make_unique<PlixXML_Parser>(xmlConfigPath, "not_created_yet", &values,
+                                                     &jsonModifier, &dataSets);
         configured = true;
     }
     readValuesFromJson();
@@ -86,7 +86,8 @@ void Plix::readValuesFromJson()
     for (const bool linkedPass : {false, true}) {
         for (auto& entry : values) {
             PlixValue& value = entry.second;
-            if (value.inJson() && value.valueInJsonWillBeReadFromPreviousPlixValue() == linkedPass) {
+            if (value.inJson() &&
+                value.valueInJsonWillBeReadFromPreviousPlixValue() == linkedPass) {
                 jsonModifier.get_value(&value);
             }
         }
@@ -105,7 +106,8 @@ bool Plix::isHolder(const std::string& caller) const
 
 int Plix::transactionStart(std::string client, bool persistent)
 {
-    plixLog(LOG_NOTICE, "transactionStart client: %s persistent: %s", client.c_str(), persistent ? "true" : "false");
+    plixLog(LOG_NOTICE, "transactionStart client: %s persistent: %s", client.c_str(),
+            persistent ? "true" : "false");
     if (transactionOpen()) {
         plixLog(LOG_WARNING, "Plix is currently busy with another transaction!");
         return 8;
@@ -176,8 +178,9 @@ int Plix::check_for_duplicate_change_values(ValueMap::iterator value)
         return 0;
     }
     changedValues.erase(earlier);
-    plixLog(LOG_NOTICE, "SetValue with same XML-ID was already called this transaction. Taking last parameters "
-                        "and erasing the ones before");
+    plixLog(LOG_NOTICE,
+            "SetValue with same XML-ID was already called this transaction. Taking last parameters "
+            "and erasing the ones before");
     return 1;
 }
 
@@ -199,7 +202,8 @@ int Plix::getvalue_template(std::string client, std::string xml_id, PlixVariant&
         return 4;
     }
     if (client != this->client) {
-        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s", this->client.c_str());
+        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s",
+                this->client.c_str());
         return 4;
     }
     const auto entry = values.find(xml_id);
@@ -252,8 +256,8 @@ int Plix::setvalue_template(std::string client, std::string xml_id, PlixVariant 
         clear_plix();
         return 15;
     }
-    const unsigned result = target.setWantedSetValue(
-        PlixValueInput::storedForm("setValue", client, xml_id, target, value, target.getValueType()));
+    const unsigned result = target.setWantedSetValue(PlixValueInput::storedForm(
+        "setValue", client, xml_id, target, value, target.getValueType()));
     if (result != 0) {
         clear_plix();
         plixLog(LOG_WARNING, "SetValue failed");
@@ -280,8 +284,9 @@ int Plix::setvalue_transient_template(std::string client, std::string xml_id, Pl
     if (PlixValueInput::refusedAsReadOnly(target)) {
         return 15;
     }
-    const unsigned result = target.setWantedSetValue(PlixValueInput::storedForm(
-        "setValueTransient", client, xml_id, target, value, PlixValueInput::transientPasswordType(target)));
+    const unsigned result = target.setWantedSetValue(
+        PlixValueInput::storedForm("setValueTransient", client, xml_id, target, value,
+                                   PlixValueInput::transientPasswordType(target)));
     if (result != 0) {
         return static_cast<int>(result);
     }
@@ -327,7 +332,8 @@ int Plix::verify_template(std::string client, std::string xml_id, PlixVariant va
         return 4;
     }
     if (client != this->client) {
-        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s", this->client.c_str());
+        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s",
+                this->client.c_str());
         return 8;
     }
     const auto entry = values.find(xml_id);

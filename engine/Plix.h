@@ -79,8 +79,8 @@ private:
     void readValuesFromJson();
 
     template <typename T>
-    int readTyped(const char* operation, const std::string& client, const std::string& xml_id, T& value,
-                  bool transient);
+    int readTyped(const char* operation, const std::string& client, const std::string& xml_id,
+                  T& value, bool transient);
     int getvalue_template(std::string client, std::string xml_id, PlixVariant& out);
     int getvalue_transtient_template(std::string client, std::string xml_id, PlixVariant& out);
 

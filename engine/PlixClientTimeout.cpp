@@ -57,7 +57,7 @@ void PlixClientTimeout::arm()
 {
     alarm(0);
     armedBy = this;
-    deadline = g_get_monotonic_time() + timeoutSeconds * G_USEC_PER_SEC;
+    deadline = g_get_monotonic_time() + static_cast<gint64>(timeoutSeconds) * G_USEC_PER_SEC;
     alarm(timeoutSeconds);
 }
 

@@ -7,7 +7,8 @@
 #include "PlixLog.h"
 #include "PlixValue.h"
 
-PlixCommit::PlixCommit(std::vector<PlixValue*> changedValues, const std::vector<PlixDataSet*>& dataSets)
+PlixCommit::PlixCommit(std::vector<PlixValue*> changedValues,
+                       const std::vector<PlixDataSet*>& dataSets)
     : changedValues(std::move(changedValues)), dataSets(dataSets)
 {
 }
@@ -58,7 +59,8 @@ unsigned PlixCommit::runValueActions()
     for (PlixValue* value : changedValues) {
         const unsigned result = PlixChangeActions::runOnChange(*value);
         if (result != 0) {
-            plixLog(LOG_WARNING, "Triggering onChange with Value %s failed.", value->getName().c_str());
+            plixLog(LOG_WARNING, "Triggering onChange with Value %s failed.",
+                    value->getName().c_str());
             rollBackChangedValues();
             return result;
         }
@@ -75,7 +77,8 @@ unsigned PlixCommit::runDataSetActions()
         const unsigned result = PlixChangeActions::runOnChange(*dataSet);
         if (result != 0) {
             rollBackMarkedDataSets();
-            plixLog(LOG_WARNING, "Triggering onChange with DataSet %s failed.", dataSet->getName().c_str());
+            plixLog(LOG_WARNING, "Triggering onChange with DataSet %s failed.",
+                    dataSet->getName().c_str());
             return result;
         }
     }

@@ -31,8 +31,8 @@ void fromVariant(const PlixVariant& variant, std::string& out)
 } // namespace
 
 template <typename T>
-int Plix::readTyped(const char* operation, const std::string& client, const std::string& xml_id, T& value,
-                    bool transient)
+int Plix::readTyped(const char* operation, const std::string& client, const std::string& xml_id,
+                    T& value, bool transient)
 {
     plixLog(LOG_NOTICE, "%s client: %s xml_id: %s", operation, client.c_str(), xml_id.c_str());
     PlixVariant probe{T{}};
@@ -121,7 +121,8 @@ int Plix::setDoubleValueTransient(std::string client, std::string xml_id, double
 
 int Plix::setStringValueTransient(std::string client, std::string xml_id, std::string value)
 {
-    return setvalue_transient_template(std::move(client), std::move(xml_id), PlixVariant(std::move(value)));
+    return setvalue_transient_template(std::move(client), std::move(xml_id),
+                                       PlixVariant(std::move(value)));
 }
 
 int Plix::verify(std::string client, std::string xml_id, std::string value)

@@ -30,34 +30,38 @@ bool PlixValueInput::refusedAsReadOnly(const PlixValue& value)
     return true;
 }
 
-PlixVariant PlixValueInput::storedForm(const char* operation, const std::string& client, const std::string& xml_id,
-                                       const PlixValue& value, const PlixVariant& offered, std::string passwordType)
+PlixVariant PlixValueInput::storedForm(const char* operation, const std::string& client,
+                                       const std::string& xml_id, const PlixValue& value,
+                                       const PlixVariant& offered, std::string passwordType)
 {
     if (isPassword(value)) {
         return PlixVariant(PlixPassword(offered.getAsString(), std::move(passwordType), true));
     }
-    plixLog(LOG_NOTICE, "%s client: %s xml_id: %s value: %s", operation, client.c_str(), xml_id.c_str(),
-            offered.getAsString().c_str());
+    plixLog(LOG_NOTICE, "%s client: %s xml_id: %s value: %s", operation, client.c_str(),
+            xml_id.c_str(), offered.getAsString().c_str());
     return offered;
 }
 
 // The candidate itself is never shown. For a non-password the log keeps the
 // long-standing pair of lines that log readers already know: the line with
 // an empty value, then a second one on standard output only.
-void PlixValueInput::logVerify(const std::string& client, const std::string& xml_id, const PlixValue& value)
+void PlixValueInput::logVerify(const std::string& client, const std::string& xml_id,
+                               const PlixValue& value)
 {
     if (isPassword(value)) {
-        plixLog(LOG_WARNING, "Verify client: %s xml_id: %s valuetype: password", client.c_str(), xml_id.c_str());
+        plixLog(LOG_WARNING, "Verify client: %s xml_id: %s valuetype: password", client.c_str(),
+                xml_id.c_str());
         return;
     }
     plixLog(LOG_WARNING, "Verify client: %s xml_id: %s value: ", client.c_str(), xml_id.c_str());
-    plixTrace("%sVerify client: %s xml_id: %s valuetype: password\n", plixLogTag(LOG_WARNING), client.c_str(),
-              xml_id.c_str());
+    plixTrace("%sVerify client: %s xml_id: %s valuetype: password\n", plixLogTag(LOG_WARNING),
+              client.c_str(), xml_id.c_str());
 }
 
 // A stored password form too short to hold its salt matches nothing; it is
 // reported here so that no exception reaches the bus.
-int PlixValueInput::compare(const std::string& xml_id, const PlixValue& value, const PlixVariant& candidate)
+int PlixValueInput::compare(const std::string& xml_id, const PlixValue& value,
+                            const PlixVariant& candidate)
 {
     try {
         return candidate != value.getValue() ? 201 : 0;

@@ -26,11 +26,14 @@ public:
 
     // The variant to offer the value; a non-password is logged with the
     // operation's name and kept as given.
-    static PlixVariant storedForm(const char* operation, const std::string& client, const std::string& xml_id,
-                                  const PlixValue& value, const PlixVariant& offered, std::string passwordType);
+    static PlixVariant storedForm(const char* operation, const std::string& client,
+                                  const std::string& xml_id, const PlixValue& value,
+                                  const PlixVariant& offered, std::string passwordType);
 
-    static void logVerify(const std::string& client, const std::string& xml_id, const PlixValue& value);
+    static void logVerify(const std::string& client, const std::string& xml_id,
+                          const PlixValue& value);
 
     // 0 when the candidate equals the stored content, else 201.
-    static int compare(const std::string& xml_id, const PlixValue& value, const PlixVariant& candidate);
+    static int compare(const std::string& xml_id, const PlixValue& value,
+                       const PlixVariant& candidate);
 };

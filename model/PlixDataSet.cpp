@@ -5,11 +5,8 @@
 // The by-name map and the verify mark are not copied: a copy is a snapshot of
 // the members' order, not a place to look members up.
 PlixDataSet::PlixDataSet(const PlixDataSet& other)
-    : file(other.file),
-      values(other.values),
-      onChangeHandlers(other.onChangeHandlers),
-      name(other.name),
-      validators(other.validators)
+    : file(other.file), values(other.values), onChangeHandlers(other.onChangeHandlers),
+      name(other.name), validators(other.validators)
 {
 }
 

@@ -34,9 +34,15 @@ public:
     PlixVariant getAsVariant(std::string name) const;
 
     std::vector<PlixValue*> getValues() const { return values; }
-    std::vector<PlixDatasetOnChangeHandler*> getDatasetOnChangeHandlers() const { return onChangeHandlers; }
+    std::vector<PlixDatasetOnChangeHandler*> getDatasetOnChangeHandlers() const
+    {
+        return onChangeHandlers;
+    }
     std::vector<PlixDatasetValidator*> getDataSetValidators() const { return validators; }
-    void setDatasetOnChangeHandler(PlixDatasetOnChangeHandler* handler) { onChangeHandlers.push_back(handler); }
+    void setDatasetOnChangeHandler(PlixDatasetOnChangeHandler* handler)
+    {
+        onChangeHandlers.push_back(handler);
+    }
     void setValidator(PlixDatasetValidator* validator) { validators.push_back(validator); }
 
     bool toVerify() const { return verify; }

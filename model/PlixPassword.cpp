@@ -72,7 +72,7 @@ public:
         : fetched(EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), "")),
           digest(fetched != nullptr ? fetched : named), context(EVP_MD_CTX_new())
     {
-        text.reserve(2 * EVP_MAX_MD_SIZE);
+        text.reserve(std::size_t{2} * EVP_MAX_MD_SIZE);
     }
     ~DigestRounds()
     {

@@ -15,24 +15,18 @@ const unsigned typeMismatch = 200;
 
 } // namespace
 
-PlixValue::PlixValue(std::string name, PlixDataSet& dataSet) : name(std::move(name)), dataSet(dataSet)
+PlixValue::PlixValue(std::string name, PlixDataSet& dataSet)
+    : name(std::move(name)), dataSet(dataSet)
 {
 }
 
 // The value type is left out on purpose: the loader inserts the copy into the
 // value table before it has read the type, and sets it on the copy.
 PlixValue::PlixValue(const PlixValue& other)
-    : name(other.name),
-      jpath(other.jpath),
-      dataSet(other.dataSet),
-      onChangeHandlers(other.onChangeHandlers),
-      validator(other.validator),
-      currentValue(other.currentValue),
-      jsonNode(other.jsonNode),
-      linkedValue(other.linkedValue),
-      oldValueValid(other.oldValueValid),
-      isInJson(other.isInJson),
-      linked(other.linked)
+    : name(other.name), jpath(other.jpath), dataSet(other.dataSet),
+      onChangeHandlers(other.onChangeHandlers), validator(other.validator),
+      currentValue(other.currentValue), jsonNode(other.jsonNode), linkedValue(other.linkedValue),
+      oldValueValid(other.oldValueValid), isInJson(other.isInJson), linked(other.linked)
 {
 }
 
@@ -55,7 +49,7 @@ void PlixValue::setValuePtr(std::shared_ptr<PlixVariant> content)
 
 unsigned PlixValue::setWantedSetValue(PlixVariant v)
 {
-    wantedSetValue = std::move(v);
+    wantedSetValue = v;
     oldValueValid = false;
     if (wantedSetValue.getDataType() != getValue().getDataType()) {
         plixLog(LOG_WARNING, "Datatype doesnt match the one from %s", name.c_str());

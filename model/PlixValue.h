@@ -34,7 +34,10 @@ public:
     PlixValueValidator* getValueValidator() const { return validator; }
     void setValidator(PlixValueValidator* v) { validator = v; }
     std::vector<PlixValueOnChangeHandler*> getOnChangeHandlers() const { return onChangeHandlers; }
-    void setOnChangeHandler(PlixValueOnChangeHandler* handler) { onChangeHandlers.push_back(handler); }
+    void setOnChangeHandler(PlixValueOnChangeHandler* handler)
+    {
+        onChangeHandlers.push_back(handler);
+    }
     Jzon::Node* getJsonNode() const { return jsonNode; }
     void setJsonNode(Jzon::Node* node) { jsonNode = node; }
     PlixValue* getLinkedPlixValueObject() const { return linkedValue; }

@@ -46,7 +46,7 @@ PlixVariant::PlixVariant(double value) : doubleContent(value), dataType(DOUBLE)
 {
 }
 
-PlixVariant::PlixVariant(PlixPassword value) : dataType(PASSWORD), passwordContent(std::move(value))
+PlixVariant::PlixVariant(PlixPassword value) : dataType(PASSWORD), passwordContent(value)
 {
 }
 

@@ -6,37 +6,41 @@
 #include <stdio.h>
 #include <syslog.h>
 
-static void log_info(const char *text)
+static void log_info(const char* text)
 {
     syslog(LOG_INFO, "%s", text);
     printf("[NFO] %s\n", text);
 }
 
-int sysconfig_set_ipconfig(uint16_t caller, const sysconfig_ipconfig_t *config)
+int sysconfig_set_ipconfig(uint16_t caller, const sysconfig_ipconfig_t* config)
 {
     char line[128];
     if (config == NULL) {
-        snprintf(line, sizeof line, "sysconfig_set_ipconfig caller %04x record (none)", (unsigned)caller);
+        snprintf(line, sizeof line, "sysconfig_set_ipconfig caller %04x record (none)",
+                 (unsigned)caller);
     } else {
         const uint8_t *a = config->address, *m = config->netmask, *g = config->gateway;
         snprintf(line, sizeof line,
-                 "sysconfig_set_ipconfig caller %04x record %02x%02x%02x%02x %02x%02x%02x%02x %02x%02x%02x%02x",
-                 (unsigned)caller, a[0], a[1], a[2], a[3], m[0], m[1], m[2], m[3], g[0], g[1], g[2], g[3]);
+                 "sysconfig_set_ipconfig caller %04x record %02x%02x%02x%02x %02x%02x%02x%02x "
+                 "%02x%02x%02x%02x",
+                 (unsigned)caller, a[0], a[1], a[2], a[3], m[0], m[1], m[2], m[3], g[0], g[1], g[2],
+                 g[3]);
     }
     log_info(line);
     return 1;
 }
 
-int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t *name)
+int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t* name)
 {
     char line[384];
     int length = 0;
-    const char *text = "";
+    const char* text = "";
     if (name != NULL && name->name != NULL) {
         text = name->name;
         length = name->length > 256 ? 256 : (int)name->length;
     }
-    snprintf(line, sizeof line, "sysconfig_set_sysname caller %04x name %.*s", (unsigned)caller, length, text);
+    snprintf(line, sizeof line, "sysconfig_set_sysname caller %04x name %.*s", (unsigned)caller,
+             length, text);
     log_info(line);
     return 1;
 }

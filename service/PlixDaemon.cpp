@@ -14,7 +14,8 @@ constexpr unsigned short childSignal = 0;
 constexpr unsigned short parentAnswer = 1;
 
 // The caller defines the argument of semctl's value commands.
-union semun {
+union semun
+{
     int val;
     struct semid_ds* buf;
     unsigned short* array;
@@ -22,7 +23,7 @@ union semun {
 
 int setSemaphore(int semid, unsigned short semaphore, int value)
 {
-    semun argument {};
+    semun argument{};
     argument.val = value;
     return semctl(semid, semaphore, SETVAL, argument);
 }
@@ -47,15 +48,19 @@ void detachChild()
     if (setsid() < 0 || chdir("/") < 0) {
         plixExit(1);
     }
-    std::freopen("/dev/null", "r", stdin);
-    std::freopen("/dev/null", "w", stdout);
-    std::freopen("/dev/null", "w", stderr);
+    // A stream that cannot be reopened stays closed, which loses nothing a
+    // detached daemon needs; there is no terminal left to report it on.
+    (void)std::freopen("/dev/null", "r", stdin);
+    (void)std::freopen("/dev/null", "w", stdout);
+    (void)std::freopen("/dev/null", "w", stderr);
 }
 } // namespace
 
 struct sembuf semaphoreStep(unsigned short semaphore, short delta)
 {
-    struct sembuf op {};
+    struct sembuf op
+    {
+    };
     op.sem_num = semaphore;
     op.sem_op = delta;
     op.sem_flg = SEM_UNDO;

@@ -34,7 +34,9 @@ void writeProcessId(int fd)
 
 int lockfile(int fd, int whence, int type, int start, int length)
 {
-    struct flock64 lock {};
+    struct flock64 lock
+    {
+    };
     lock.l_type = static_cast<short>(type);
     lock.l_whence = static_cast<short>(whence);
     lock.l_start = start;
@@ -65,7 +67,7 @@ int checkPidFileIn(const std::string& directory, const std::string& name)
     if (lockfile(fd, SEEK_SET, F_WRLCK, 0, 0) < 0) {
         // The descriptor stays open: the caller ends the process.
         std::perror(errno == EAGAIN || errno == EACCES ? "PID-File already locked.\n"
-                                                        : "Error locking this PID-file occured.\n");
+                                                       : "Error locking this PID-file occured.\n");
         return -1;
     }
     writeProcessId(fd);

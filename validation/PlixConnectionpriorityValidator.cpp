@@ -10,12 +10,20 @@ PlixConnectionpriorityValidator::PlixConnectionpriorityValidator(PlixDataSet& da
 unsigned PlixConnectionpriorityValidator::validate()
 {
     const bool options[] = {
-        PlixDataSetMember::readOrExit(dataSet, "disconnectexistconnections",
-            "Critical exception in PlixTolvarixPasswordValidator::validate disconnectexistconnections Read: %s").asBool(),
-        PlixDataSetMember::readOrExit(dataSet, "sharedsessions",
-            "Critical exception in PlixTolvarixPasswordValidator::validate sharedsessions Read: %s").asBool(),
-        PlixDataSetMember::readOrExit(dataSet, "refuseconcurrentconnections",
-            "Critical exception in PlixTolvarixPasswordValidator::validate refuseconcurrentconnections Read: %s").asBool(),
+        PlixDataSetMember::readOrExit(
+            dataSet, "disconnectexistconnections",
+            "Critical exception in PlixTolvarixPasswordValidator::validate "
+            "disconnectexistconnections Read: %s")
+            .asBool(),
+        PlixDataSetMember::readOrExit(
+            dataSet, "sharedsessions",
+            "Critical exception in PlixTolvarixPasswordValidator::validate sharedsessions Read: %s")
+            .asBool(),
+        PlixDataSetMember::readOrExit(
+            dataSet, "refuseconcurrentconnections",
+            "Critical exception in PlixTolvarixPasswordValidator::validate "
+            "refuseconcurrentconnections Read: %s")
+            .asBool(),
     };
     int chosen = 0;
     for (bool option : options) {

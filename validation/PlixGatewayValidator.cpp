@@ -1,7 +1,6 @@
 #include "PlixGatewayValidator.h"
 
-PlixGatewayValidator::PlixGatewayValidator(PlixValue& value)
-    : PlixValueValidator(value)
+PlixGatewayValidator::PlixGatewayValidator(PlixValue& value) : PlixValueValidator(value)
 {
 }
 

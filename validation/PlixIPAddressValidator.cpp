@@ -1,7 +1,6 @@
 #include "PlixIPAddressValidator.h"
 
-PlixIPAddressValidator::PlixIPAddressValidator(PlixValue& value)
-    : PlixValueValidator(value)
+PlixIPAddressValidator::PlixIPAddressValidator(PlixValue& value) : PlixValueValidator(value)
 {
 }
 

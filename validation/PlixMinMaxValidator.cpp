@@ -3,8 +3,7 @@
 #include "PlixLog.h"
 #include "PlixValue.h"
 
-PlixMinMaxValidator::PlixMinMaxValidator(PlixValue& value)
-    : PlixValueValidator(value)
+PlixMinMaxValidator::PlixMinMaxValidator(PlixValue& value) : PlixValueValidator(value)
 {
 }
 

@@ -34,7 +34,8 @@ public:
     unsigned validate() override
     {
         const Item wanted = fromVariant(value.getWantedSetValue());
-        if (std::find(possibleValues.begin(), possibleValues.end(), wanted) != possibleValues.end()) {
+        if (std::find(possibleValues.begin(), possibleValues.end(), wanted) !=
+            possibleValues.end()) {
             return 0;
         }
         plixLogNotPossible(value.getName());

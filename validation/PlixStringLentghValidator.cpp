@@ -2,8 +2,7 @@
 
 #include "PlixValue.h"
 
-PlixStringLentghValidator::PlixStringLentghValidator(PlixValue& value)
-    : PlixValueValidator(value)
+PlixStringLentghValidator::PlixStringLentghValidator(PlixValue& value) : PlixValueValidator(value)
 {
 }
 

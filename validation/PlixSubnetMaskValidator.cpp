@@ -1,7 +1,6 @@
 #include "PlixSubnetMaskValidator.h"
 
-PlixSubnetMaskValidator::PlixSubnetMaskValidator(PlixValue& value)
-    : PlixValueValidator(value)
+PlixSubnetMaskValidator::PlixSubnetMaskValidator(PlixValue& value) : PlixValueValidator(value)
 {
 }
 

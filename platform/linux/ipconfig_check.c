@@ -6,7 +6,8 @@
 
 static uint32_t host_order(const uint8_t bytes[4])
 {
-    return ((uint32_t)bytes[0] << 24) | ((uint32_t)bytes[1] << 16) | ((uint32_t)bytes[2] << 8) | bytes[3];
+    return ((uint32_t)bytes[0] << 24) | ((uint32_t)bytes[1] << 16) | ((uint32_t)bytes[2] << 8) |
+           bytes[3];
 }
 
 /* 0.0.0.0/8 ("this network", never a source address), loopback, multicast
@@ -39,7 +40,7 @@ static int is_subnet_edge(uint32_t address, uint32_t netmask)
     return host == 0 || host == ~netmask;
 }
 
-static const char *check_gateway(const sysconfig_linux_ipv4_t *config)
+static const char* check_gateway(const sysconfig_linux_ipv4_t* config)
 {
     if (config->gateway == 0) {
         return NULL;
@@ -56,7 +57,7 @@ static const char *check_gateway(const sysconfig_linux_ipv4_t *config)
     return NULL;
 }
 
-const char *sysconfig_linux_check(const sysconfig_ipconfig_t *record, sysconfig_linux_ipv4_t *out)
+const char* sysconfig_linux_check(const sysconfig_ipconfig_t* record, sysconfig_linux_ipv4_t* out)
 {
     out->address = host_order(record->address);
     out->netmask = host_order(record->netmask);

@@ -6,7 +6,7 @@
 #include <stdio.h>
 #include <syslog.h>
 
-static const char *tag_of(int priority)
+static const char* tag_of(int priority)
 {
     switch (priority) {
     case LOG_ERR:
@@ -20,7 +20,7 @@ static const char *tag_of(int priority)
     }
 }
 
-void sysconfig_linux_log(int priority, const char *format, ...)
+void sysconfig_linux_log(int priority, const char* format, ...)
 {
     char text[512];
     va_list args;
@@ -34,9 +34,10 @@ void sysconfig_linux_log(int priority, const char *format, ...)
     fflush(stdout);
 }
 
-const char *sysconfig_linux_dotted(uint32_t address, char text[16])
+const char* sysconfig_linux_dotted(uint32_t address, char text[16])
 {
-    snprintf(text, 16, "%u.%u.%u.%u", (unsigned)(address >> 24) & 0xffu, (unsigned)(address >> 16) & 0xffu,
-             (unsigned)(address >> 8) & 0xffu, (unsigned)address & 0xffu);
+    snprintf(text, 16, "%u.%u.%u.%u", (unsigned)(address >> 24) & 0xffu,
+             (unsigned)(address >> 16) & 0xffu, (unsigned)(address >> 8) & 0xffu,
+             (unsigned)address & 0xffu);
     return text;
 }

@@ -18,9 +18,10 @@
 enum { LABEL_MAX = 63 };
 
 /* One label of RFC 1123: letters, digits and inner hyphens. */
-static int is_host_label(const char *name, size_t length)
+static int is_host_label(const char* name, size_t length)
 {
-    if (name == NULL || length == 0 || length > LABEL_MAX || name[0] == '-' || name[length - 1] == '-') {
+    if (name == NULL || length == 0 || length > LABEL_MAX || name[0] == '-' ||
+        name[length - 1] == '-') {
         return 0;
     }
     for (size_t i = 0; i < length; i++) {
@@ -32,13 +33,14 @@ static int is_host_label(const char *name, size_t length)
     return 1;
 }
 
-static int file_error(const char *what, const char *path)
+static int file_error(const char* what, const char* path)
 {
-    sysconfig_linux_log(LOG_ERR, "sysconfig_set_sysname: %s %s failed: %s", what, path, strerror(errno));
+    sysconfig_linux_log(LOG_ERR, "sysconfig_set_sysname: %s %s failed: %s", what, path,
+                        strerror(errno));
     return 0;
 }
 
-static int write_all(int fd, const char *text, size_t length)
+static int write_all(int fd, const char* text, size_t length)
 {
     while (length > 0) {
         ssize_t written = write(fd, text, length);
@@ -56,7 +58,7 @@ static int write_all(int fd, const char *text, size_t length)
 
 /* Where /etc/hostname is a file mounted into place (a container's), it
  * cannot be renamed over and is rewritten where it is. */
-static int write_in_place(const char *line, size_t length)
+static int write_in_place(const char* line, size_t length)
 {
     int fd = open(HOSTNAME_FILE, O_WRONLY | O_TRUNC | O_CLOEXEC);
     if (fd < 0) {
@@ -85,7 +87,7 @@ static int sync_directory(void)
 
 /* A power cut at any moment leaves either the old or the new name on disk:
  * the new text is complete on disk before it takes the file's place. */
-static int write_hostname_file(const char *line, size_t length)
+static int write_hostname_file(const char* line, size_t length)
 {
     char temporary[] = HOSTNAME_DIR "/.hostname.XXXXXX";
     int fd = mkstemp(temporary);
@@ -105,9 +107,9 @@ static int write_hostname_file(const char *line, size_t length)
     return sync_directory();
 }
 
-int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t *name)
+int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t* name)
 {
-    (void)caller;   /* the service always calls with its one identifier */
+    (void)caller; /* the service always calls with its one identifier */
     if (name == NULL || !is_host_label(name->name, name->length)) {
         sysconfig_linux_log(LOG_NOTICE, "sysconfig_set_sysname: not a host name");
         return SYSCONFIG_FAILED;
@@ -116,7 +118,8 @@ int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t *name)
     memcpy(line, name->name, name->length);
     line[name->length] = '\n';
     if (sethostname(line, name->length) != 0) {
-        sysconfig_linux_log(LOG_ERR, "sysconfig_set_sysname: sethostname failed: %s", strerror(errno));
+        sysconfig_linux_log(LOG_ERR, "sysconfig_set_sysname: sethostname failed: %s",
+                            strerror(errno));
         return SYSCONFIG_FAILED;
     }
     /* A name that cannot be stored still answers failure although the
@@ -124,6 +127,7 @@ int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t *name)
     if (!write_hostname_file(line, name->length + 1)) {
         return SYSCONFIG_FAILED;
     }
-    sysconfig_linux_log(LOG_INFO, "sysconfig_set_sysname: host name set to %.*s", (int)name->length, name->name);
+    sysconfig_linux_log(LOG_INFO, "sysconfig_set_sysname: host name set to %.*s", (int)name->length,
+                        name->name);
     return SYSCONFIG_APPLIED;
 }

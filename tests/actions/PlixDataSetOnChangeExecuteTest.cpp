@@ -36,7 +36,8 @@ TEST_F(PlixDataSetOnChangeExecuteTest, EveryValuesPlaceholderIsExpanded)
     EXPECT_EQ(directory.read("out"), "192.168.0.10 255.255.255.0");
 }
 
-TEST_F(PlixDataSetOnChangeExecuteTest, ValueNameThatPrefixesAnotherReplacesInsideTheLongerPlaceholder)
+TEST_F(PlixDataSetOnChangeExecuteTest,
+       ValueNameThatPrefixesAnotherReplacesInsideTheLongerPlaceholder)
 {
     dataSet.add("ip", PlixVariant("10.0.0.1"));
     dataSet.add("ipv6", PlixVariant("fe80::1"));
@@ -48,21 +49,25 @@ TEST_F(PlixDataSetOnChangeExecuteTest, SuccessLogsTheExpandedCommandAtWarningLev
 {
     dataSet.add("port", PlixVariant(102));
     EXPECT_EQ(run("test %port -eq 102"), 0u);
-    EXPECT_EQ(output, "[NOT] DataSetOnChangeExecute executed following command successfully: test 102 -eq 102\n");
+    EXPECT_EQ(
+        output,
+        "[NOT] DataSetOnChangeExecute executed following command successfully: test 102 -eq 102\n");
 }
 
 TEST_F(PlixDataSetOnChangeExecuteTest, ExitStatusOneGives13AndTheFailureLine)
 {
     dataSet.add("port", PlixVariant(102));
     EXPECT_EQ(run("test %port -eq 80"), 13u);
-    EXPECT_EQ(output, "[NOT] DataSetOnChangeExecute failed with following command: test 102 -eq 80\n");
+    EXPECT_EQ(output,
+              "[NOT] DataSetOnChangeExecute failed with following command: test 102 -eq 80\n");
 }
 
 TEST_F(PlixDataSetOnChangeExecuteTest, CommandWithoutPlaceholdersRunsUnchanged)
 {
     dataSet.add("port", PlixVariant(102));
     EXPECT_EQ(run("exit 0"), 0u);
-    EXPECT_EQ(output, "[NOT] DataSetOnChangeExecute executed following command successfully: exit 0\n");
+    EXPECT_EQ(output,
+              "[NOT] DataSetOnChangeExecute executed following command successfully: exit 0\n");
 }
 
 TEST_F(PlixDataSetOnChangeExecuteTest, QuotedValueHidesAnotherMembersPlaceholder)

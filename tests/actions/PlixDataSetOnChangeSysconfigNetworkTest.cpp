@@ -26,7 +26,8 @@ protected:
         SysconfigDouble::reset();
         const std::string bin = directory.file("bin");
         ASSERT_EQ(mkdir(bin.c_str(), 0700), 0);
-        directory.write("bin/killall", "#!/bin/sh\necho \"$*\" >> '" + directory.file("killall.log") + "'\n");
+        directory.write("bin/killall",
+                        "#!/bin/sh\necho \"$*\" >> '" + directory.file("killall.log") + "'\n");
         ASSERT_EQ(chmod((bin + "/killall").c_str(), 0700), 0);
         const char* path = std::getenv("PATH");
         savedPath = path != nullptr ? path : "";
@@ -55,7 +56,9 @@ protected:
     Record sentRecord() const
     {
         EXPECT_EQ(SysconfigDouble::ipconfigCalls().size(), 1u);
-        return SysconfigDouble::ipconfigCalls().empty() ? Record{} : SysconfigDouble::ipconfigCalls()[0].record;
+        return SysconfigDouble::ipconfigCalls().empty()
+                   ? Record{}
+                   : SysconfigDouble::ipconfigCalls()[0].record;
     }
 
     PlixTestDirectory directory;
@@ -82,7 +85,8 @@ protected:
                 dataSet.add(member.first, member.second);
             }
         }
-        EXPECT_EXIT((sendStdoutToStderr(), action.onChange()), testing::ExitedWithCode(16), testing::Eq(line));
+        EXPECT_EXIT((sendStdoutToStderr(), action.onChange()), testing::ExitedWithCode(16),
+                    testing::Eq(line));
     }
 };
 
@@ -115,7 +119,8 @@ TEST_F(PlixDataSetOnChangeSysconfigNetworkTest, StaticAddressIsSentOneBytePerDot
 {
     addStatic("192.168.0.10", "255.255.255.0", "192.168.0.1");
     EXPECT_EQ(runWithAnswer(1), 0u);
-    const Record expected = {0xC0, 0xA8, 0x00, 0x0A, 0xFF, 0xFF, 0xFF, 0x00, 0xC0, 0xA8, 0x00, 0x01};
+    const Record expected = {0xC0, 0xA8, 0x00, 0x0A, 0xFF, 0xFF,
+                             0xFF, 0x00, 0xC0, 0xA8, 0x00, 0x01};
     EXPECT_EQ(sentRecord(), expected);
     EXPECT_EQ(SysconfigDouble::ipconfigCalls()[0].caller, 0xFE02);
 }
@@ -125,7 +130,8 @@ TEST_F(PlixDataSetOnChangeSysconfigNetworkTest, StaticAddressStopsTheDhcpClientA
     addStatic("192.168.0.10", "255.255.255.0", "192.168.0.1");
     EXPECT_EQ(runWithAnswer(1), 0u);
     EXPECT_EQ(directory.read("killall.log"), "-SIGKILL udhcpc\n");
-    EXPECT_EQ(output, "[NOT] Successfully used PlixDataSetOnChangeSysconfigNetwork to set IP-address 192.168.0.10, "
+    EXPECT_EQ(output, "[NOT] Successfully used PlixDataSetOnChangeSysconfigNetwork to set "
+                      "IP-address 192.168.0.10, "
                       "subnetmask 255.255.255.0 and gateway 192.168.0.1\n");
 }
 
@@ -190,23 +196,28 @@ TEST(PlixDataSetOnChangeSysconfigNetworkParse, MoreThanFourPartsWriteOnlyFourByt
 TEST_F(PlixDataSetOnChangeSysconfigNetworkDeathTest, MissingDhcpEndsTheProcessWith16)
 {
     expectFatalWithoutMember("dhcp",
-        "[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Dhcp Read: map::at\n");
+                             "[ERR] Critical exception in "
+                             "PlixDataSetOnChangeSysconfigNetwork::onChange Dhcp Read: map::at\n");
 }
 
 TEST_F(PlixDataSetOnChangeSysconfigNetworkDeathTest, MissingIpAddressEndsTheProcessWith16)
 {
-    expectFatalWithoutMember("ipaddress",
-        "[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange IP address Read: map::at\n");
+    expectFatalWithoutMember(
+        "ipaddress", "[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange IP "
+                     "address Read: map::at\n");
 }
 
 TEST_F(PlixDataSetOnChangeSysconfigNetworkDeathTest, MissingSubnetMaskEndsTheProcessWith16)
 {
-    expectFatalWithoutMember("subnetmask",
-        "[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Subnetmask read: map::at\n");
+    expectFatalWithoutMember(
+        "subnetmask", "[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange "
+                      "Subnetmask read: map::at\n");
 }
 
-TEST_F(PlixDataSetOnChangeSysconfigNetworkDeathTest, MissingGatewayEndsTheProcessAfterTheGatewayReadLine)
+TEST_F(PlixDataSetOnChangeSysconfigNetworkDeathTest,
+       MissingGatewayEndsTheProcessAfterTheGatewayReadLine)
 {
-    expectFatalWithoutMember("gateway",
-        "[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange Gateway read: map::at\n");
+    expectFatalWithoutMember(
+        "gateway", "[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::onChange "
+                   "Gateway read: map::at\n");
 }

@@ -7,13 +7,8 @@
 inline std::vector<std::string> hostileValues(const std::string& canary)
 {
     return {
-        ";touch " + canary,
-        "$(touch " + canary + ")",
-        "`touch " + canary + "`",
-        "'; touch " + canary + "; '",
-        "\"; touch " + canary + "; \"",
-        "a\ntouch " + canary,
-        "x && touch " + canary,
-        "x | touch " + canary,
+        ";touch " + canary,           "$(touch " + canary + ")",      "`touch " + canary + "`",
+        "'; touch " + canary + "; '", "\"; touch " + canary + "; \"", "a\ntouch " + canary,
+        "x && touch " + canary,       "x | touch " + canary,
     };
 }

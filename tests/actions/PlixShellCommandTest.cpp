@@ -10,7 +10,8 @@ using testing::internal::GetCapturedStdout;
 
 TEST(PlixShellCommand, PlainWordsAreInsertedAsTheyStand)
 {
-    EXPECT_EQ(PlixShellCommand::shellSafe("Station_1.a-b:c/d@e+f=g,h"), "Station_1.a-b:c/d@e+f=g,h");
+    EXPECT_EQ(PlixShellCommand::shellSafe("Station_1.a-b:c/d@e+f=g,h"),
+              "Station_1.a-b:c/d@e+f=g,h");
     EXPECT_EQ(PlixShellCommand::shellSafe("-12"), "-12");
     EXPECT_EQ(PlixShellCommand::shellSafe("1e+07"), "1e+07");
 }

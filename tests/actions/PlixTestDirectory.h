@@ -14,7 +14,8 @@ class PlixTestDirectory
 public:
     PlixTestDirectory()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "plix-actions-XXXXXX").string();
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "plix-actions-XXXXXX").string();
         if (mkdtemp(&pattern[0]) == nullptr) {
             throw std::runtime_error("mkdtemp failed");
         }

@@ -43,7 +43,8 @@ TEST_F(PlixValueOnChangeExecuteTest, CommandWithoutPlaceholderRunsUnchanged)
     const std::string command = "printf '%s' fixed > " + directory.file("out");
     EXPECT_EQ(runWith(command, PlixVariant("press7")), 0u);
     EXPECT_EQ(directory.read("out"), "fixed");
-    EXPECT_EQ(output, "[NOT] PlixValueOnChangeExecute executed following command successfully: " + command + "\n");
+    EXPECT_EQ(output, "[NOT] PlixValueOnChangeExecute executed following command successfully: " +
+                          command + "\n");
 }
 
 TEST_F(PlixValueOnChangeExecuteTest, ValueContainingItsOwnPlaceholderIsInsertedOnce)
@@ -57,14 +58,17 @@ TEST_F(PlixValueOnChangeExecuteTest, SuccessLogsTheExpandedCommandAsNotice)
 {
     const std::string out = directory.file("out");
     EXPECT_EQ(runWith("printf '%s' %hostname > " + out, PlixVariant("press7")), 0u);
-    EXPECT_EQ(output, "[NOT] PlixValueOnChangeExecute executed following command successfully: printf '%s' press7 > "
-                          + out + "\n");
+    EXPECT_EQ(output, "[NOT] PlixValueOnChangeExecute executed following command successfully: "
+                      "printf '%s' press7 > " +
+                          out + "\n");
 }
 
 TEST_F(PlixValueOnChangeExecuteTest, ExitStatusOneGives13AndTheFailureLine)
 {
     EXPECT_EQ(runWith("test %hostname = other", PlixVariant("press7")), 13u);
-    EXPECT_EQ(output, "[NOT] PlixValueOnChangeExecute failed with following command: test press7 = other\n");
+    EXPECT_EQ(
+        output,
+        "[NOT] PlixValueOnChangeExecute failed with following command: test press7 = other\n");
 }
 
 TEST_F(PlixValueOnChangeExecuteTest, ExitStatusZeroGivesZero)

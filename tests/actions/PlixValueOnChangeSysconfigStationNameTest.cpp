@@ -32,7 +32,8 @@ protected:
 TEST_F(PlixValueOnChangeSysconfigStationNameTest, AppliedNameGivesZeroAndTheSuccessLine)
 {
     EXPECT_EQ(runWithAnswer(1), 0u);
-    EXPECT_EQ(output, "[NOT] Successfully used PlixValueOnChangeSysconfigStationName to set Station Name: Press 7\n");
+    EXPECT_EQ(output, "[NOT] Successfully used PlixValueOnChangeSysconfigStationName to set "
+                      "Station Name: Press 7\n");
 }
 
 TEST_F(PlixValueOnChangeSysconfigStationNameTest, PassesTheNameWithTheServiceCallerIdentifier)
@@ -46,7 +47,8 @@ TEST_F(PlixValueOnChangeSysconfigStationNameTest, PassesTheNameWithTheServiceCal
 TEST_F(PlixValueOnChangeSysconfigStationNameTest, RefusedNameGives13AndTheFailureLine)
 {
     EXPECT_EQ(runWithAnswer(0), 13u);
-    EXPECT_EQ(output, "[NOT] PlixValueOnChangeSysconfigStationName failed with Station Name: Press 7\n");
+    EXPECT_EQ(output,
+              "[NOT] PlixValueOnChangeSysconfigStationName failed with Station Name: Press 7\n");
 }
 
 TEST_F(PlixValueOnChangeSysconfigStationNameTest, AnyAnswerButOneIsAFailure)

@@ -35,7 +35,8 @@ TEST_F(PlixValueOnChangeWriteToFileTest, LogsTheShortNameAndPathAsNotice)
     CaptureStdout();
     action.onChange();
     EXPECT_EQ(GetCapturedStdout(),
-              "[NOT] ValueOnChangeWriteToFile: writing value of level into file " + directory.file("out") + "\n");
+              "[NOT] ValueOnChangeWriteToFile: writing value of level into file " +
+                  directory.file("out") + "\n");
 }
 
 TEST_F(PlixValueOnChangeWriteToFileTest, DirectoryThatDoesNotExistGives10AfterTheLogLineOnly)
@@ -45,7 +46,8 @@ TEST_F(PlixValueOnChangeWriteToFileTest, DirectoryThatDoesNotExistGives10AfterTh
     action.setPathToFile(path);
     CaptureStdout();
     EXPECT_EQ(action.onChange(), 10u);
-    EXPECT_EQ(GetCapturedStdout(), "[NOT] ValueOnChangeWriteToFile: writing value of level into file " + path + "\n");
+    EXPECT_EQ(GetCapturedStdout(),
+              "[NOT] ValueOnChangeWriteToFile: writing value of level into file " + path + "\n");
 }
 
 TEST_F(PlixValueOnChangeWriteToFileTest, DoubleValueTruncatesTheFileToZeroLength)

@@ -46,8 +46,7 @@ protected:
 
     void loadAndReadUncaptured(const std::string& values, const std::string& type = "")
     {
-        config.load(panel(type) + "<DataSet ID=\"d\"><File>store</File>" + values +
-                    "</DataSet>");
+        config.load(panel(type) + "<DataSet ID=\"d\"><File>store</File>" + values + "</DataSet>");
         config.readAll();
     }
 
@@ -182,9 +181,9 @@ TEST_F(PlixJsonModifierTest, ASecondValueWithTheSameJpathSharesContentAndNode)
     EXPECT_EQ(b.getValuePtr(), a.getValuePtr());
     EXPECT_EQ(b.getJsonNode(), a.getJsonNode());
     Lines lines = PlixLoadedConfig::lines(output);
-    EXPECT_EQ(std::count(lines.begin(), lines.end(),
-                         "[NOT] Read json value under path: general.count"),
-              1);
+    EXPECT_EQ(
+        std::count(lines.begin(), lines.end(), "[NOT] Read json value under path: general.count"),
+        1);
 }
 
 TEST_F(PlixJsonModifierTest, ALinkedValueIsNotLookedUpInItsOwnFile)
@@ -209,10 +208,9 @@ TEST_F(PlixJsonModifierTest, JsonFileThatCannotBeReadEndsWithStatus1)
             config.load("<Panel_file name=\"gone\">" + missing + "</Panel_file>");
         },
         testing::ExitedWithCode(1),
-        PlixLoadedConfig::endsWithLines(
-            {"[NOT] Finished parsing " + config.dir.path("config.xml"),
-             "[ERR] cannot open .json file: gone under path " + missing,
-             "[NFO] Shutting down plix!"}));
+        PlixLoadedConfig::endsWithLines({"[NOT] Finished parsing " + config.dir.path("config.xml"),
+                                         "[ERR] cannot open .json file: gone under path " + missing,
+                                         "[NFO] Shutting down plix!"}));
 }
 
 TEST_F(PlixJsonModifierTest, JsonFileThatDoesNotParseEndsWithStatus1)

@@ -54,8 +54,8 @@ void PlixLoadedConfig::load(const std::string& body)
 
 void PlixLoadedConfig::loadFile(const std::string& xmlPath)
 {
-    parser = std::make_unique<PlixXML_Parser>(xmlPath, "not_created_yet", &values, &json,
-                                              &dataSets);
+    parser =
+        std::make_unique<PlixXML_Parser>(xmlPath, "not_created_yet", &values, &json, &dataSets);
 }
 
 std::string PlixLoadedConfig::loadCapturing(const std::string& body)
@@ -70,7 +70,8 @@ void PlixLoadedConfig::readAll()
     for (bool linkedPass : {false, true}) {
         for (auto& entry : values) {
             PlixValue& value = entry.second;
-            if (value.inJson() && value.valueInJsonWillBeReadFromPreviousPlixValue() == linkedPass) {
+            if (value.inJson() &&
+                value.valueInJsonWillBeReadFromPreviousPlixValue() == linkedPass) {
                 json.get_value(&value);
             }
         }

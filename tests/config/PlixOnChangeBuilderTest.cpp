@@ -118,7 +118,8 @@ TEST_F(PlixOnChangeBuilderTest, SysconfigNetworkAndNotifyInitAtDataSetLevelCreat
 TEST_F(PlixOnChangeBuilderTest, WriteToFileInADataSetBeforeAnyValueCreatesNothing)
 {
     EXPECT_TRUE(dataSetActions("<onChange type=\"WriteToFile\" filename=\"" +
-                               config.dir.path("out") + "\"/>"
+                               config.dir.path("out") +
+                               "\"/>"
                                "<onChange type=\"SysconfigStationName\"/>")
                     .empty());
     EXPECT_TRUE(config.value("d/v").getOnChangeHandlers().empty());
@@ -132,8 +133,7 @@ TEST_F(PlixOnChangeBuilderTest, OnChangeBeforeAnyDataSetCreatesNothing)
 
 TEST_F(PlixOnChangeBuilderTest, TriggerOnlyAtPlixBootTrueSetsTheFlag)
 {
-    auto actions =
-        valueActions("<onChange type=\"Execute\" triggerOnlyAtPlixBoot=\"true\"/>");
+    auto actions = valueActions("<onChange type=\"Execute\" triggerOnlyAtPlixBoot=\"true\"/>");
     ASSERT_EQ(actions.size(), 1u);
     EXPECT_TRUE(actions[0]->getTriggerOnlyAtPlixBoot());
 }
@@ -147,7 +147,8 @@ TEST_F(PlixOnChangeBuilderTest, TriggerOnlyAtPlixBootOtherThanTrueChangesNothing
 
 TEST_F(PlixOnChangeBuilderTest, TriggerOnPlixStartFalseClearsTheFlag)
 {
-    auto actions = dataSetActions("<onChange type=\"SysconfigNetwork\" triggerOnPlixStart=\"false\"/>");
+    auto actions =
+        dataSetActions("<onChange type=\"SysconfigNetwork\" triggerOnPlixStart=\"false\"/>");
     ASSERT_EQ(actions.size(), 1u);
     EXPECT_FALSE(actions[0]->getTriggerOnPlixStart());
 }

@@ -77,8 +77,7 @@ TEST_F(PlixValidationBuilderTest, IPAddressValidatorKeywordCreatesAnIPAddressVal
 
 TEST_F(PlixValidationBuilderTest, SubnetMaskValidatorKeywordCreatesASubnetMaskValidator)
 {
-    EXPECT_NE(dynamic_cast<PlixSubnetMaskValidator*>(validatorOf("SubnetMaskValidator")),
-              nullptr);
+    EXPECT_NE(dynamic_cast<PlixSubnetMaskValidator*>(validatorOf("SubnetMaskValidator")), nullptr);
 }
 
 TEST_F(PlixValidationBuilderTest, GatewayValidatorKeywordCreatesAGatewayValidator)
@@ -88,9 +87,9 @@ TEST_F(PlixValidationBuilderTest, GatewayValidatorKeywordCreatesAGatewayValidato
 
 TEST_F(PlixValidationBuilderTest, PossibleIntValuesValidatorKeywordCreatesItsClass)
 {
-    EXPECT_NE(dynamic_cast<PlixPossibleIntValuesValidator*>(
-                  validatorOf("PossibleIntValuesValidator")),
-              nullptr);
+    EXPECT_NE(
+        dynamic_cast<PlixPossibleIntValuesValidator*>(validatorOf("PossibleIntValuesValidator")),
+        nullptr);
 }
 
 TEST_F(PlixValidationBuilderTest, UnknownKeywordCreatesNothing)

@@ -223,9 +223,9 @@ TEST_F(PlixXML_ParserTest, MalformedXmlPrintsTheErrorAndKeepsWhatCameBefore)
 
 TEST_F(PlixXML_ParserTest, UnknownElementsAndAttributesAreIgnoredWhereverTheyStand)
 {
-    std::string output = config.loadCapturing(
-        "<Other name=\"x\"><DataSet ID=\"d\" colour=\"red\"><Misc/>"
-        "<Value name=\"v\" unit=\"s\"/></DataSet></Other>");
+    std::string output =
+        config.loadCapturing("<Other name=\"x\"><DataSet ID=\"d\" colour=\"red\"><Misc/>"
+                             "<Value name=\"v\" unit=\"s\"/></DataSet></Other>");
     EXPECT_EQ(PlixLoadedConfig::lines(output).size(), 4u);
     EXPECT_EQ(config.values.size(), 1u);
     EXPECT_EQ(config.dataSets.size(), 1u);

@@ -152,8 +152,9 @@ TEST_F(jzonFileTest, WriteKeepsMemberOrderWithFourSpaceIndentAndAFinalLineFeed)
     testing::internal::CaptureStdout();
     ASSERT_TRUE(small.write());
     testing::internal::GetCapturedStdout();
-    EXPECT_EQ(dir.read("small.json"), "{\n    \"z\": 1,\n    \"a\": [\n        false,\n        null\n"
-                                      "    ],\n    \"m\": \"x\"\n}\n");
+    EXPECT_EQ(dir.read("small.json"),
+              "{\n    \"z\": 1,\n    \"a\": [\n        false,\n        null\n"
+              "    ],\n    \"m\": \"x\"\n}\n");
 }
 
 TEST_F(jzonFileTest, WriteKeepsTheFileMode)

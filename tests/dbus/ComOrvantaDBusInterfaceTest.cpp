@@ -19,8 +19,8 @@ protected:
         client = PrivateBus::connect();
         ComOrvantaDBusInterface* ctrl = ComOrvantaDBusInterface::getInstance();
         ctrl->connect_methods();
-        g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(ctrl->getAdaptor()),
-                                         service, "/ctrl", nullptr);
+        g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(ctrl->getAdaptor()), service,
+                                         "/ctrl", nullptr);
     }
 
     // Calls a control method; answers the reply's signature and the lines

@@ -33,17 +33,14 @@ protected:
                                          "/plix", nullptr);
     }
 
-    void SetUp() override
-    {
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-    }
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
     // A failed read or verify inside a transaction ends it; whatever a test
     // leaves open is closed so that the next one finds the engine idle.
     void TearDown() override
     {
-        GVariant* reply = PrivateBus::call(first, service, "/plix", plixInterface,
-                                           "Transactionstop", nullptr);
+        GVariant* reply =
+            PrivateBus::call(first, service, "/plix", plixInterface, "Transactionstop", nullptr);
         if (reply != nullptr) {
             g_variant_unref(reply);
         }
@@ -54,8 +51,8 @@ protected:
     static GVariant* call(GDBusConnection* caller, const char* method, GVariant* arguments)
     {
         std::string error;
-        GVariant* reply = PrivateBus::call(caller, service, "/plix", plixInterface, method,
-                                           arguments, &error);
+        GVariant* reply =
+            PrivateBus::call(caller, service, "/plix", plixInterface, method, arguments, &error);
         EXPECT_NE(reply, nullptr) << method << ": " << error;
         return reply;
     }
@@ -109,13 +106,25 @@ TEST_F(DBusInterfaceTest, SkeletonCarriesTheNineteenMethodsInOrder)
     GDBusInterfaceInfo* info = g_dbus_interface_skeleton_get_info(
         G_DBUS_INTERFACE_SKELETON(DBusInterface::getInstance()->getAdaptor()));
     EXPECT_STREQ(info->name, plixInterface);
-    const char* expected[] = {"Transactionstart", "SetBoolValue", "SetIntValue",
-                              "SetDoubleValue", "SetStringValue", "SetBoolValueTransient",
-                              "SetIntValueTransient", "SetDoubleValueTransient",
-                              "SetStringValueTransient", "Transactionstop", "GetIntValue",
-                              "GetDoubleValue", "GetStringValue", "GetBoolValue",
-                              "GetIntValueTransient", "GetDoubleValueTransient",
-                              "GetStringValueTransient", "GetBoolValueTransient", "Verify"};
+    const char* expected[] = {"Transactionstart",
+                              "SetBoolValue",
+                              "SetIntValue",
+                              "SetDoubleValue",
+                              "SetStringValue",
+                              "SetBoolValueTransient",
+                              "SetIntValueTransient",
+                              "SetDoubleValueTransient",
+                              "SetStringValueTransient",
+                              "Transactionstop",
+                              "GetIntValue",
+                              "GetDoubleValue",
+                              "GetStringValue",
+                              "GetBoolValue",
+                              "GetIntValueTransient",
+                              "GetDoubleValueTransient",
+                              "GetStringValueTransient",
+                              "GetBoolValueTransient",
+                              "Verify"};
     size_t count = 0;
     for (GDBusMethodInfo** method = info->methods; *method != nullptr; ++method, ++count) {
         ASSERT_LT(count, std::size(expected));
@@ -195,10 +204,8 @@ TEST_F(DBusInterfaceTest, SettersReplyTheEngineStatus)
     EXPECT_EQ(status(first, "SetStringValue", g_variant_new("(ss)", unknownId, "x")), 4);
     EXPECT_EQ(status(first, "SetBoolValueTransient", g_variant_new("(sb)", unknownId, TRUE)), 9);
     EXPECT_EQ(status(first, "SetIntValueTransient", g_variant_new("(si)", unknownId, 1)), 9);
-    EXPECT_EQ(status(first, "SetDoubleValueTransient", g_variant_new("(sd)", unknownId, 1.5)),
-              9);
-    EXPECT_EQ(status(first, "SetStringValueTransient", g_variant_new("(ss)", unknownId, "x")),
-              9);
+    EXPECT_EQ(status(first, "SetDoubleValueTransient", g_variant_new("(sd)", unknownId, 1.5)), 9);
+    EXPECT_EQ(status(first, "SetStringValueTransient", g_variant_new("(ss)", unknownId, "x")), 9);
 }
 
 TEST_F(DBusInterfaceTest, VerifyIntWritesIntLineOnStandardOutput)
@@ -276,8 +283,8 @@ TEST_F(DBusInterfaceTest, PanelSignalReachesHandlerThroughASubscription)
     bool delivered = false;
     g_signal_connect(proxy, "applet-changed", G_CALLBACK(DBusInterface::static_applet_changed),
                      nullptr);
-    g_signal_connect_swapped(proxy, "applet-changed",
-                             G_CALLBACK(+[](bool* flag) { *flag = true; }), &delivered);
+    g_signal_connect_swapped(proxy, "applet-changed", G_CALLBACK(+[](bool* flag) { *flag = true; }),
+                             &delivered);
     PrivateBus::roundTrip(first);
 
     testing::internal::CaptureStdout();
@@ -297,14 +304,14 @@ TEST_F(DBusInterfaceTest, PanelSignalWithoutASubscriptionIsIgnored)
     // The watcher makes the service's own connection receive the signal, so
     // anything of the service listening on that connection would see it too.
     OrvantaZectrl* panel = orvanta_zectrl_skeleton_new();
-    ASSERT_TRUE(g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(panel), second,
-                                                 "/panel", nullptr));
+    ASSERT_TRUE(g_dbus_interface_skeleton_export(G_DBUS_INTERFACE_SKELETON(panel), second, "/panel",
+                                                 nullptr));
     bool delivered = false;
     const guint watcher = g_dbus_connection_signal_subscribe(
         service, nullptr, "com.orvanta.zectrl", "appletChanged", "/panel", nullptr,
         G_DBUS_SIGNAL_FLAGS_NONE,
-        +[](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*,
-            GVariant*, gpointer flag) { *static_cast<bool*>(flag) = true; },
+        +[](GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*, GVariant*,
+            gpointer flag) { *static_cast<bool*>(flag) = true; },
         &delivered, nullptr);
     PrivateBus::roundTrip(service);
 

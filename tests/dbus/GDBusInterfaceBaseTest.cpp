@@ -8,14 +8,9 @@ namespace {
 class PlainInterface : public GDBusInterfaceBase
 {
 public:
-    explicit PlainInterface(GTypeInstance* adaptor)
-        : GDBusInterfaceBase(adaptor)
-    {
-    }
+    explicit PlainInterface(GTypeInstance* adaptor) : GDBusInterfaceBase(adaptor) {}
 
-    void connect_methods() override
-    {
-    }
+    void connect_methods() override {}
 };
 } // namespace
 

@@ -10,14 +10,9 @@ namespace {
 class NoInterface : public GDBusInterfaceBase
 {
 public:
-    NoInterface()
-        : GDBusInterfaceBase(nullptr)
-    {
-    }
+    NoInterface() : GDBusInterfaceBase(nullptr) {}
 
-    void connect_methods() override
-    {
-    }
+    void connect_methods() override {}
 };
 } // namespace
 

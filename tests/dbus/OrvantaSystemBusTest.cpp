@@ -32,8 +32,8 @@ public:
     {
         const bool ownExported = exportedAt() != nullptr;
         const bool beforeExported = mBefore == nullptr || mBefore->exportedAt() != nullptr;
-        events.push_back("connect " + mName + (ownExported ? " (already exported)" : "")
-                         + (beforeExported ? "" : " (earlier object not exported)"));
+        events.push_back("connect " + mName + (ownExported ? " (already exported)" : "") +
+                         (beforeExported ? "" : " (earlier object not exported)"));
     }
 
     void configure(int argc, char** argv) override
@@ -46,8 +46,7 @@ public:
 
     const char* exportedAt()
     {
-        return g_dbus_interface_skeleton_get_object_path(
-            G_DBUS_INTERFACE_SKELETON(getAdaptor()));
+        return g_dbus_interface_skeleton_get_object_path(G_DBUS_INTERFACE_SKELETON(getAdaptor()));
     }
 
     void (*configureHook)() = nullptr;
@@ -67,7 +66,9 @@ int semaphoreValue(int semid, int semaphore)
 
 bool semaphoreSetExists(int semid)
 {
-    struct semid_ds state {};
+    struct semid_ds state
+    {
+    };
     return semctl(semid, 0, IPC_STAT, &state) == 0;
 }
 
@@ -76,7 +77,9 @@ bool semaphoreSetExists(int semid)
 int parentWaitingSet()
 {
     const int semid = semget(IPC_PRIVATE, 2, 0600);
-    struct sembuf answer {};
+    struct sembuf answer
+    {
+    };
     answer.sem_num = 1;
     answer.sem_op = 1;
     semop(semid, &answer, 1);
@@ -144,8 +147,7 @@ TEST_F(OrvantaSystemBusTest, RegisterObjectAppendsPathAndObjectWithoutRefusingDu
     EXPECT_TRUE(bus.registerObject("/ctrl", &first));
     EXPECT_TRUE(bus.registerObject("/ctrl", &first));
     ASSERT_EQ(OrvantaSystemBus::m_path, (std::vector<std::string>{"/ctrl", "/ctrl"}));
-    EXPECT_EQ(OrvantaSystemBus::m_interfaces,
-              (std::vector<GDBusInterfaceBase*>{&first, &first}));
+    EXPECT_EQ(OrvantaSystemBus::m_interfaces, (std::vector<GDBusInterfaceBase*>{&first, &first}));
 }
 
 TEST_F(OrvantaSystemBusTest, NameLostExitsWithStatus2)
@@ -155,8 +157,7 @@ TEST_F(OrvantaSystemBusTest, NameLostExitsWithStatus2)
             dup2(STDERR_FILENO, STDOUT_FILENO);
             OrvantaSystemBus::on_name_lost(nullptr, "com.orvanta.plix", nullptr);
         },
-        testing::ExitedWithCode(2),
-        "(^|\n)\\[ERR\\] Could not register servicename on bus\n$");
+        testing::ExitedWithCode(2), "(^|\n)\\[ERR\\] Could not register servicename on bus\n$");
 }
 
 TEST_F(OrvantaSystemBusTest, NameLostInDaemonModeReleasesParentRemovesSetAndExitsWithStatus2)
@@ -171,8 +172,7 @@ TEST_F(OrvantaSystemBusTest, NameLostInDaemonModeReleasesParentRemovesSetAndExit
             dup2(STDERR_FILENO, STDOUT_FILENO);
             OrvantaSystemBus::on_name_lost_sem_locked(nullptr, "com.orvanta.plix", nullptr);
         },
-        testing::ExitedWithCode(2),
-        "(^|\n)\\[ERR\\] Could not register servicename on bus\n$");
+        testing::ExitedWithCode(2), "(^|\n)\\[ERR\\] Could not register servicename on bus\n$");
     EXPECT_FALSE(semaphoreSetExists(semid));
     semctl(semid, 0, IPC_RMID);
 }

@@ -21,8 +21,7 @@ void onReply(GObject* source, GAsyncResult* result, gpointer data)
 {
     auto* pending = static_cast<PendingCall*>(data);
     GError* error = nullptr;
-    pending->reply =
-        g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error);
+    pending->reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &error);
     if (error != nullptr) {
         pending->error = error->message;
         g_error_free(error);
@@ -57,9 +56,9 @@ const char* PrivateBus::address()
 
 GDBusConnection* PrivateBus::connect()
 {
-    const auto flags = static_cast<GDBusConnectionFlags>(
-        G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-        | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    const auto flags =
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     return g_dbus_connection_new_for_address_sync(address(), flags, nullptr, nullptr, nullptr);
 }
 
@@ -91,9 +90,8 @@ GVariant* PrivateBus::call(GDBusConnection* caller, GDBusConnection* service, co
 {
     PendingCall pending;
     g_dbus_connection_call(caller, g_dbus_connection_get_unique_name(service), path, interface,
-                           method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE,
-                           callTimeoutMs, nullptr, onReply,
-                           &pending);
+                           method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, callTimeoutMs,
+                           nullptr, onReply, &pending);
     iterateUntil(pending.done);
     if (errorText != nullptr) {
         *errorText = pending.error;

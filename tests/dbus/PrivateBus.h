@@ -17,9 +17,9 @@ public:
     // Calls a method and iterates the default main context until the reply
     // arrives or a few seconds have passed. Returns the reply (nullptr on a
     // bus error or time-out, with the error text in errorText).
-    static GVariant* call(GDBusConnection* caller, GDBusConnection* service,
-                          const char* path, const char* interface, const char* method,
-                          GVariant* arguments, std::string* errorText = nullptr);
+    static GVariant* call(GDBusConnection* caller, GDBusConnection* service, const char* path,
+                          const char* interface, const char* method, GVariant* arguments,
+                          std::string* errorText = nullptr);
 
     // Iterates the default main context until done is true or the bound
     // passes; answers done.

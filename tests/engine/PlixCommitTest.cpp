@@ -17,7 +17,10 @@ protected:
         configureTestEngine();
     }
 
-    void start(bool persistent = true) { ASSERT_EQ(engine->transactionStart("client-a", persistent), 0); }
+    void start(bool persistent = true)
+    {
+        ASSERT_EQ(engine->transactionStart("client-a", persistent), 0);
+    }
 
     int stop()
     {
@@ -45,7 +48,8 @@ TEST_F(PlixCommitTest, StopByNonHolderReturns4AndLeavesTransactionOpen)
     int result = -1;
     const auto lines = outputOf([&] { result = engine->transactionStop("client-b"); });
     EXPECT_EQ(result, 4);
-    EXPECT_THAT(lines, ElementsAre("[NOT] transactionStop client: client-b ", "[NOT] Client is not registered."));
+    EXPECT_THAT(lines, ElementsAre("[NOT] transactionStop client: client-b ",
+                                   "[NOT] Client is not registered."));
     EXPECT_EQ(stop(), 0);
     EXPECT_EQ(storedInt("a/i"), 9);
 }
@@ -53,7 +57,8 @@ TEST_F(PlixCommitTest, StopByNonHolderReturns4AndLeavesTransactionOpen)
 TEST_F(PlixCommitTest, StopWithoutTransactionReturns4)
 {
     EXPECT_EQ(stop(), 4);
-    EXPECT_THAT(stopLines, ElementsAre("[NOT] transactionStop client: client-a ", "[NOT] Client is not registered."));
+    EXPECT_THAT(stopLines, ElementsAre("[NOT] transactionStop client: client-a ",
+                                       "[NOT] Client is not registered."));
 }
 
 TEST_F(PlixCommitTest, StopWithEmptyListOnlyClears)

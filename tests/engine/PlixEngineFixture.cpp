@@ -120,7 +120,8 @@ std::string PlixEngineFixture::path(const std::string& name) const
 void PlixEngineFixture::writeFile(const std::string& name, const std::string& text) const
 {
     std::string expanded = text;
-    for (std::size_t at = expanded.find("DIR"); at != std::string::npos; at = expanded.find("DIR", at + dir.size())) {
+    for (std::size_t at = expanded.find("DIR"); at != std::string::npos;
+         at = expanded.find("DIR", at + dir.size())) {
         expanded.replace(at, 3, dir);
     }
     std::ofstream(path(name), std::ios::binary) << expanded;

@@ -18,8 +18,8 @@ protected:
     {
         PlixEngineFixture::SetUp();
         ASSERT_EQ(mkdir(path("run").c_str(), 0700), 0);
-        for (const char* name :
-             {"plix_config.xml", "network.json", "ports.json", "remoteaccess.json", "panel.json", "factory.json"}) {
+        for (const char* name : {"plix_config.xml", "network.json", "ports.json",
+                                 "remoteaccess.json", "panel.json", "factory.json"}) {
             copyExample(name);
         }
         configureWith({"-s", "-c", path("plix_config.xml")});
@@ -39,7 +39,8 @@ protected:
 
     static void replaceAll(std::string& text, const std::string& from, const std::string& to)
     {
-        for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+        for (std::size_t at = text.find(from); at != std::string::npos;
+             at = text.find(from, at + to.size())) {
             text.replace(at, from.size(), to);
         }
     }
@@ -98,10 +99,16 @@ TEST_F(PlixExampleTest, EveryDeclaredKindIsReadable)
 TEST_F(PlixExampleTest, StoredPasswordsVerifyAgainstDocumentedPlainTexts)
 {
     start();
-    EXPECT_EQ(engine->verify(":1.42", "remoteaccess/accesscontrolPassword1", std::string("secret1")), 0);
-    EXPECT_EQ(engine->verify(":1.42", "remoteaccess/accesscontrolPassword2", std::string("secret2")), 0);
-    EXPECT_EQ(engine->verify(":1.42", "remoteaccess/forcedwriteaccessPassword", std::string("secret3")), 0);
-    EXPECT_EQ(engine->verify(":1.42", "remoteaccess/accesscontrolPassword1", std::string("secret2")), 201);
+    EXPECT_EQ(
+        engine->verify(":1.42", "remoteaccess/accesscontrolPassword1", std::string("secret1")), 0);
+    EXPECT_EQ(
+        engine->verify(":1.42", "remoteaccess/accesscontrolPassword2", std::string("secret2")), 0);
+    EXPECT_EQ(
+        engine->verify(":1.42", "remoteaccess/forcedwriteaccessPassword", std::string("secret3")),
+        0);
+    EXPECT_EQ(
+        engine->verify(":1.42", "remoteaccess/accesscontrolPassword1", std::string("secret2")),
+        201);
     EXPECT_EQ(stop(), 0);
 }
 
@@ -118,7 +125,8 @@ TEST_F(PlixExampleTest, PersistentCommitRewritesChangedFilesKeepingMemberOrder)
 
     const auto network = readJson("network.json");
     EXPECT_EQ(network["network"]["eth0"]["ipaddress"], "192.168.0.20");
-    EXPECT_THAT(keysOf(network["network"]["eth0"]), ElementsAre("dhcp", "ipaddress", "subnetmask", "gateway"));
+    EXPECT_THAT(keysOf(network["network"]["eth0"]),
+                ElementsAre("dhcp", "ipaddress", "subnetmask", "gateway"));
     const auto ports = readJson("ports.json");
     EXPECT_EQ(ports["ports"]["httpport"], 8080);
     EXPECT_THAT(keysOf(ports["ports"]), ElementsAre("mainport", "displayport", "httpport"));
@@ -153,7 +161,8 @@ TEST_F(PlixExampleTest, EmptyAccessPasswordIsRefusedByPolicy)
     EXPECT_EQ(engine->setStringValue(":1.42", "remoteaccess/accesscontrolPassword2", ""), 0);
     EXPECT_EQ(stop(), 206);
     start();
-    EXPECT_EQ(engine->verify(":1.42", "remoteaccess/accesscontrolPassword2", std::string("secret2")), 0);
+    EXPECT_EQ(
+        engine->verify(":1.42", "remoteaccess/accesscontrolPassword2", std::string("secret2")), 0);
 }
 
 TEST_F(PlixExampleTest, NewPasswordIsStoredHashedAndVerifies)
@@ -161,17 +170,22 @@ TEST_F(PlixExampleTest, NewPasswordIsStoredHashedAndVerifies)
     start();
     EXPECT_EQ(engine->setStringValue(":1.42", "remoteaccess/accesscontrolPassword1", "changed"), 0);
     EXPECT_EQ(stop(), 0);
-    const std::string stored = readJson("remoteaccess.json")["remoteaccess"]["accesscontrolPassword1"];
+    const std::string stored =
+        readJson("remoteaccess.json")["remoteaccess"]["accesscontrolPassword1"];
     EXPECT_EQ(stored.find("changed"), std::string::npos);
     start();
-    EXPECT_EQ(engine->verify(":1.42", "remoteaccess/accesscontrolPassword1", std::string("changed")), 0);
-    EXPECT_EQ(engine->verify(":1.42", "remoteaccess/accesscontrolPassword1", std::string("secret1")), 201);
+    EXPECT_EQ(
+        engine->verify(":1.42", "remoteaccess/accesscontrolPassword1", std::string("changed")), 0);
+    EXPECT_EQ(
+        engine->verify(":1.42", "remoteaccess/accesscontrolPassword1", std::string("secret1")),
+        201);
 }
 
 TEST_F(PlixExampleTest, SecondConnectionPriorityOptionIsRefused)
 {
     start();
-    EXPECT_EQ(engine->setBoolValue(":1.42", "connectionpriority/refuseconcurrentconnections", true), 0);
+    EXPECT_EQ(engine->setBoolValue(":1.42", "connectionpriority/refuseconcurrentconnections", true),
+              0);
     EXPECT_EQ(stop(), 207);
 }
 

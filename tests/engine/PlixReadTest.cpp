@@ -37,11 +37,13 @@ TEST_F(PlixReadTest, HolderReadsEveryTypeWithItsLogLines)
     EXPECT_EQ(i, 5);
     EXPECT_DOUBLE_EQ(d, 2.5);
     EXPECT_EQ(s, "hello");
-    EXPECT_THAT(lines, ElementsAre("[NOT] getBoolValue client: client-a xml_id: a/b", "Read value: true with type 0",
-                                   "[NOT] getIntValue client: client-a xml_id: a/i", "Read value: 5 with type 2",
-                                   "[NOT] getDoubleValue client: client-a xml_id: a/d", "Read value: 2.5 with type 3",
-                                   "[NOT] getStringValue client: client-a xml_id: a/s",
-                                   "Read value: hello with type 1"));
+    EXPECT_THAT(
+        lines,
+        ElementsAre(
+            "[NOT] getBoolValue client: client-a xml_id: a/b", "Read value: true with type 0",
+            "[NOT] getIntValue client: client-a xml_id: a/i", "Read value: 5 with type 2",
+            "[NOT] getDoubleValue client: client-a xml_id: a/d", "Read value: 2.5 with type 3",
+            "[NOT] getStringValue client: client-a xml_id: a/s", "Read value: hello with type 1"));
 }
 
 TEST_F(PlixReadTest, TransientReadsEveryTypeWithoutTransaction)
@@ -95,7 +97,8 @@ TEST_F(PlixReadTest, GetIntOnDoubleReturns11LeavesOutputAndEndsTransaction)
     const auto lines = outputOf([&] { result = engine->getIntValue("client-a", "a/d", value); });
     EXPECT_EQ(result, 11);
     EXPECT_EQ(value, 77);
-    EXPECT_THAT(lines, ElementsAre("[NOT] getIntValue client: client-a xml_id: a/d", "Read value: 2.5 with type 3",
+    EXPECT_THAT(lines, ElementsAre("[NOT] getIntValue client: client-a xml_id: a/d",
+                                   "Read value: 2.5 with type 3",
                                    "[NOT] Clearing PLIX to be ready for new transactions",
                                    "[NOT] Requested wrong datatype for a/d"));
     EXPECT_EQ(engine->transactionStop("client-a"), 4);
@@ -121,8 +124,10 @@ TEST_F(PlixReadTest, ReadByNonHolderReturns4AndKeepsHoldersTransaction)
     int result = -1;
     const auto lines = outputOf([&] { result = engine->getIntValue("client-b", "a/i", value); });
     EXPECT_EQ(result, 4);
-    EXPECT_THAT(lines, ElementsAre("[NOT] getIntValue client: client-b xml_id: a/i",
-                                   "[NOT] Plix is currently busy with another transaction with client client-a"));
+    EXPECT_THAT(
+        lines,
+        ElementsAre("[NOT] getIntValue client: client-b xml_id: a/i",
+                    "[NOT] Plix is currently busy with another transaction with client client-a"));
     EXPECT_EQ(engine->transactionStop("client-a"), 0);
 }
 
@@ -142,7 +147,8 @@ TEST_F(PlixReadTest, ReadOfUndeclaredIdReturns9AndEndsTransaction)
     start();
     bool value = false;
     int result = -1;
-    const auto lines = outputOf([&] { result = engine->getBoolValue("client-a", "a/missing", value); });
+    const auto lines =
+        outputOf([&] { result = engine->getBoolValue("client-a", "a/missing", value); });
     EXPECT_EQ(result, 9);
     EXPECT_THAT(lines, ElementsAre("[NOT] getBoolValue client: client-a xml_id: a/missing",
                                    "[NOT] a/missing is not declared in the xml",
@@ -154,7 +160,8 @@ TEST_F(PlixReadTest, TransientReadOfUndeclaredIdReturns9Silently)
 {
     double value = 1.5;
     int result = -1;
-    const auto lines = outputOf([&] { result = engine->getDoubleValueTransient("client-a", "nope", value); });
+    const auto lines =
+        outputOf([&] { result = engine->getDoubleValueTransient("client-a", "nope", value); });
     EXPECT_EQ(result, 9);
     EXPECT_DOUBLE_EQ(value, 1.5);
     EXPECT_THAT(lines, ElementsAre("[NOT] getDoubleValueTransient client: client-a xml_id: nope"));
@@ -165,7 +172,8 @@ TEST_F(PlixReadTest, TransientReadOfWrongTypeReturns11AndKeepsTransaction)
     start();
     bool value = false;
     int result = -1;
-    const auto lines = outputOf([&] { result = engine->getBoolValueTransient("client-b", "a/i", value); });
+    const auto lines =
+        outputOf([&] { result = engine->getBoolValueTransient("client-b", "a/i", value); });
     EXPECT_EQ(result, 11);
     EXPECT_THAT(lines, ElementsAre("[NOT] getBoolValueTransient client: client-b xml_id: a/i",
                                    "[NOT] Requested wrong datatype for a/i"));

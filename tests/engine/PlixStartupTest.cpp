@@ -66,7 +66,9 @@ TEST_F(PlixStartupTest, PathGivenTwiceLogsBothAndUsesSecond)
     writeFile("plix.xml", testXml);
     writeFile("main.json", testMainJson);
     writeFile("fixed.json", testFixedJson);
-    const auto lines = outputOf([&] { configureWith({"-c", path("other.xml"), "-c", path("plix.xml")}); });
+    const auto lines = outputOf([&] {
+        configureWith({"-c", path("other.xml"), "-c", path("plix.xml")});
+    });
     ASSERT_GE(lines.size(), 3u);
     EXPECT_EQ(lines[1], "[NFO] XML Config File Path: " + path("other.xml"));
     EXPECT_EQ(lines[2], "[NFO] XML Config File Path: " + path("plix.xml"));
@@ -88,7 +90,8 @@ TEST_F(PlixStartupTest, StartUpPassRunsMarkedActionsValueActionsFirst)
     std::vector<std::string> lines;
     lines = outputOf([&] { configureTestEngine({"-s"}); });
     EXPECT_THAT(lines, Contains("[NOT] Triggering all onChange handler"));
-    EXPECT_THAT(actionLog(), ElementsAre("value-i 5", "value-i-boot", "dataset-a", "dataset-a-boot", "dataset-ports"));
+    EXPECT_THAT(actionLog(), ElementsAre("value-i 5", "value-i-boot", "dataset-a", "dataset-a-boot",
+                                         "dataset-ports"));
 }
 
 TEST_F(PlixStartupTest, FailingActionDuringStartUpDoesNotStopLaterOnesAndLogsNothing)
@@ -96,7 +99,8 @@ TEST_F(PlixStartupTest, FailingActionDuringStartUpDoesNotStopLaterOnesAndLogsNot
     writeFile("fail-value-i", "");
     writeFile("fail-dataset-a", "");
     const auto lines = outputOf([&] { configureTestEngine({"-s"}); });
-    EXPECT_THAT(actionLog(), ElementsAre("value-i 5", "value-i-boot", "dataset-a", "dataset-a-boot", "dataset-ports"));
+    EXPECT_THAT(actionLog(), ElementsAre("value-i 5", "value-i-boot", "dataset-a", "dataset-a-boot",
+                                         "dataset-ports"));
     for (const std::string& line : lines) {
         EXPECT_THAT(line, Not(HasSubstr("Triggering onChange")));
     }
@@ -116,7 +120,8 @@ TEST_F(PlixStartupTest, TriggerOnChangeCanBeCalledDirectly)
     configureTestEngine();
     const auto lines = outputOf([&] { engine->triggerOnChange(); });
     EXPECT_EQ(lines.front(), "[NOT] Triggering all onChange handler");
-    EXPECT_THAT(actionLog(), ElementsAre("value-i 5", "value-i-boot", "dataset-a", "dataset-a-boot", "dataset-ports"));
+    EXPECT_THAT(actionLog(), ElementsAre("value-i 5", "value-i-boot", "dataset-a", "dataset-a-boot",
+                                         "dataset-ports"));
 }
 
 TEST_F(PlixStartupTest, SecondConfigureRereadsValuesAndTriggersWithoutReloadingXml)
@@ -152,14 +157,16 @@ TEST_F(PlixStartupDeathTest, NoOptionsTakesDefaultFile)
     }
     Plix plix;
     EXPECT_EXIT(configureWithOutputOnStderr(plix, {"dbus-ex-plix"}), ::testing::ExitedWithCode(1),
-                "\\[NFO\\] Configuring Plix\n\\[NFO\\] No XML-file specified for Plix\\. Taking default XML-file, "
+                "\\[NFO\\] Configuring Plix\n\\[NFO\\] No XML-file specified for Plix\\. Taking "
+                "default XML-file, "
                 "path: /etc/orvanta/plix/plix_config\\.xml\n");
 }
 
 TEST_F(PlixStartupDeathTest, HelpPrintsUsageAndEndsWithStatus1)
 {
     Plix plix;
-    EXPECT_EXIT(configureWithOutputOnStderr(plix, {"dbus-ex-plix", "-h"}), ::testing::ExitedWithCode(1),
+    EXPECT_EXIT(configureWithOutputOnStderr(plix, {"dbus-ex-plix", "-h"}),
+                ::testing::ExitedWithCode(1),
                 "\\[NFO\\] Configuring Plix\n" + escapedForRegex(usageText()) + "$");
 }
 
@@ -174,13 +181,14 @@ TEST_F(PlixStartupDeathTest, UnknownOptionPrintsUsageAndEndsWithStatus1)
 TEST_F(PlixStartupDeathTest, MissingPathOfCPrintsUsageAndEndsWithStatus1)
 {
     Plix plix;
-    EXPECT_EXIT(configureWithOutputOnStderr(plix, {"dbus-ex-plix", "-c"}), ::testing::ExitedWithCode(1),
-                escapedForRegex(usageText()) + "$");
+    EXPECT_EXIT(configureWithOutputOnStderr(plix, {"dbus-ex-plix", "-c"}),
+                ::testing::ExitedWithCode(1), escapedForRegex(usageText()) + "$");
 }
 
 TEST_F(PlixStartupDeathTest, DaemonOptionIsIgnoredByTheEngine)
 {
     Plix plix;
-    EXPECT_EXIT(configureWithOutputOnStderr(plix, {"dbus-ex-plix", "-d", "-h"}), ::testing::ExitedWithCode(1),
+    EXPECT_EXIT(configureWithOutputOnStderr(plix, {"dbus-ex-plix", "-d", "-h"}),
+                ::testing::ExitedWithCode(1),
                 "\\[NFO\\] Configuring Plix\n" + escapedForRegex(usageText()) + "$");
 }

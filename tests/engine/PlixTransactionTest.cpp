@@ -80,11 +80,13 @@ TEST_F(PlixTransactionTest, ClientThatWaitsFiveSecondsLosesTransaction)
     ASSERT_EQ(engine->transactionStart("client-a", true), 0);
     ASSERT_EQ(engine->setIntValue("client-a", "a/i", 9), 0);
     const auto waited = outputOf([] { runMainLoopFor(5000); });
-    EXPECT_THAT(waited, ElementsAre("[NOT] Client timeout!", "[NOT] Clearing PLIX to be ready for new transactions"));
+    EXPECT_THAT(waited, ElementsAre("[NOT] Client timeout!",
+                                    "[NOT] Clearing PLIX to be ready for new transactions"));
     int result = -1;
     const auto lines = outputOf([&] { result = engine->transactionStop("client-a"); });
     EXPECT_EQ(result, 4);
-    EXPECT_THAT(lines, ElementsAre("[NOT] transactionStop client: client-a ", "[NOT] Client is not registered."));
+    EXPECT_THAT(lines, ElementsAre("[NOT] transactionStop client: client-a ",
+                                   "[NOT] Client is not registered."));
     int value = 0;
     EXPECT_EQ(engine->getIntValueTransient("x", "a/i", value), 0);
     EXPECT_EQ(value, 5);
@@ -135,6 +137,7 @@ TEST_F(PlixTransactionTest, ClientTimeoutMemberLogsAndClears)
 {
     ASSERT_EQ(engine->transactionStart("client-a", true), 0);
     const auto lines = outputOf([&] { engine->client_timeout(SIGALRM); });
-    EXPECT_THAT(lines, ElementsAre("[NOT] Client timeout!", "[NOT] Clearing PLIX to be ready for new transactions"));
+    EXPECT_THAT(lines, ElementsAre("[NOT] Client timeout!",
+                                   "[NOT] Clearing PLIX to be ready for new transactions"));
     EXPECT_EQ(engine->transactionStop("client-a"), 4);
 }

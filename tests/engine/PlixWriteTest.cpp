@@ -53,9 +53,11 @@ TEST_F(PlixWriteTest, ThirdSetOfSameIdReturns1AndListIsBThenA)
     int result = -1;
     const auto lines = outputOf([&] { result = engine->setIntValue("client-a", "a/i", 11); });
     EXPECT_EQ(result, 1);
-    EXPECT_THAT(lines, ElementsAre("[NOT] setValue client: client-a xml_id: a/i value: 11",
-                                   "[NOT] SetValue with same XML-ID was already called this transaction. Taking "
-                                   "last parameters and erasing the ones before"));
+    EXPECT_THAT(
+        lines,
+        ElementsAre("[NOT] setValue client: client-a xml_id: a/i value: 11",
+                    "[NOT] SetValue with same XML-ID was already called this transaction. Taking "
+                    "last parameters and erasing the ones before"));
     ASSERT_EQ(engine->transactionStop("client-a"), 0);
     EXPECT_THAT(actionLog(), ElementsAre("value-s x", "value-i 11", "dataset-a"));
 }
@@ -90,7 +92,8 @@ TEST_F(PlixWriteTest, SetStringOnReadOnlyFileReturns15AndEndsTransaction)
 {
     start();
     int result = -1;
-    const auto lines = outputOf([&] { result = engine->setStringValue("client-a", "fixed/serial", "SN-2"); });
+    const auto lines =
+        outputOf([&] { result = engine->setStringValue("client-a", "fixed/serial", "SN-2"); });
     EXPECT_EQ(result, 15);
     EXPECT_THAT(lines, ElementsAre("[NOT] client tried to change read_only file fixed", clearLine));
     EXPECT_EQ(engine->transactionStop("client-a"), 4);
@@ -104,7 +107,8 @@ TEST_F(PlixWriteTest, SetOfWrongTypeReturns200AndEndsTransaction)
     const auto lines = outputOf([&] { result = engine->setStringValue("client-a", "a/i", "7"); });
     EXPECT_EQ(result, 200);
     EXPECT_THAT(lines, ElementsAre("[NOT] setValue client: client-a xml_id: a/i value: 7",
-                                   "[NOT] Datatype doesnt match the one from i", clearLine, "[NOT] SetValue failed"));
+                                   "[NOT] Datatype doesnt match the one from i", clearLine,
+                                   "[NOT] SetValue failed"));
     EXPECT_EQ(engine->transactionStop("client-a"), 4);
     EXPECT_EQ(storedInt("a/n"), 1);
 }
@@ -116,15 +120,16 @@ TEST_F(PlixWriteTest, SetRejectedByValueValidatorReturnsItsCodeAndEndsTransactio
     const auto lines = outputOf([&] { result = engine->setIntValue("client-a", "a/i", 101); });
     EXPECT_EQ(result, 200);
     EXPECT_THAT(lines, ElementsAre("[NOT] setValue client: client-a xml_id: a/i value: 101",
-                                   "[NOT] Validation failed: value for i not beetween 0 and 100!", clearLine,
-                                   "[NOT] SetValue failed"));
+                                   "[NOT] Validation failed: value for i not beetween 0 and 100!",
+                                   clearLine, "[NOT] SetValue failed"));
     EXPECT_EQ(engine->transactionStop("client-a"), 4);
 }
 
 TEST_F(PlixWriteTest, PasswordSetLogsNothingOfTheValue)
 {
     start();
-    const auto lines = outputOf([&] { EXPECT_EQ(engine->setStringValue("client-a", "a/pw", "newsecret"), 0); });
+    const auto lines =
+        outputOf([&] { EXPECT_EQ(engine->setStringValue("client-a", "a/pw", "newsecret"), 0); });
     EXPECT_TRUE(lines.empty());
     ASSERT_EQ(engine->transactionStop("client-a"), 0);
     ASSERT_EQ(engine->transactionStart("client-a", true), 0);
@@ -152,7 +157,8 @@ TEST_F(PlixWriteTest, TransientSetAppliesAtOnceRunsActionsAndNeverWritesStore)
 {
     const std::string before = readFile("main.json");
     int result = -1;
-    const auto lines = outputOf([&] { result = engine->setIntValueTransient("client-a", "a/i", 12); });
+    const auto lines =
+        outputOf([&] { result = engine->setIntValueTransient("client-a", "a/i", 12); });
     EXPECT_EQ(result, 0);
     EXPECT_EQ(lines.front(), "[NOT] setValueTransient client: client-a xml_id: a/i value: 12");
     EXPECT_EQ(storedInt("a/i"), 12);
@@ -184,13 +190,15 @@ TEST_F(PlixWriteTest, TransientSetOfUndeclaredIdReturns9)
 
 TEST_F(PlixWriteTest, TransientSetOnReadOnlyFileReturns15)
 {
-    const auto lines = outputOf([&] { EXPECT_EQ(engine->setStringValueTransient("c", "fixed/serial", "x"), 15); });
+    const auto lines =
+        outputOf([&] { EXPECT_EQ(engine->setStringValueTransient("c", "fixed/serial", "x"), 15); });
     EXPECT_THAT(lines, ElementsAre("[NOT] client tried to change read_only file fixed"));
 }
 
 TEST_F(PlixWriteTest, TransientSetOfWrongTypeReturns200AndChangesNothing)
 {
-    const auto lines = outputOf([&] { EXPECT_EQ(engine->setDoubleValueTransient("c", "a/i", 1.0), 200); });
+    const auto lines =
+        outputOf([&] { EXPECT_EQ(engine->setDoubleValueTransient("c", "a/i", 1.0), 200); });
     EXPECT_THAT(lines, ElementsAre("[NOT] setValueTransient client: c xml_id: a/i value: 1",
                                    "[NOT] Datatype doesnt match the one from i"));
     EXPECT_EQ(storedInt("a/i"), 5);
@@ -243,8 +251,9 @@ TEST_F(PlixWriteTest, VerifyRightPasswordReturns0WrongReturns201AndTransactionSt
     });
     EXPECT_EQ(right, 0);
     EXPECT_EQ(wrong, 201);
-    EXPECT_THAT(lines, ElementsAre("[NOT] Verify client: client-a xml_id: a/pw valuetype: password",
-                                   "[NOT] Verify client: client-a xml_id: a/pw valuetype: password"));
+    EXPECT_THAT(lines,
+                ElementsAre("[NOT] Verify client: client-a xml_id: a/pw valuetype: password",
+                            "[NOT] Verify client: client-a xml_id: a/pw valuetype: password"));
     EXPECT_EQ(engine->transactionStop("client-a"), 0);
 }
 
@@ -254,8 +263,9 @@ TEST_F(PlixWriteTest, VerifyOfNonPasswordLogsValuelessLineAndStdoutOnlyLine)
     int result = -1;
     const auto lines = outputOf([&] { result = engine->verify("client-a", "a/i", 5); });
     EXPECT_EQ(result, 0);
-    EXPECT_THAT(lines, ElementsAre("[NOT] Verify client: client-a xml_id: a/i value: ",
-                                   "[NOT] Verify client: client-a xml_id: a/i valuetype: password"));
+    EXPECT_THAT(lines,
+                ElementsAre("[NOT] Verify client: client-a xml_id: a/i value: ",
+                            "[NOT] Verify client: client-a xml_id: a/i valuetype: password"));
 }
 
 TEST_F(PlixWriteTest, VerifyOfEachTypeComparesWithStoredValue)
@@ -289,7 +299,9 @@ TEST_F(PlixWriteTest, VerifyByNonHolderReturns8AndKeepsTransaction)
 {
     start();
     const auto lines = outputOf([&] { EXPECT_EQ(engine->verify("client-b", "a/i", 5), 8); });
-    EXPECT_THAT(lines, ElementsAre("[NOT] Plix is currently busy with another transaction with client client-a"));
+    EXPECT_THAT(
+        lines,
+        ElementsAre("[NOT] Plix is currently busy with another transaction with client client-a"));
     EXPECT_EQ(engine->transactionStop("client-a"), 0);
 }
 
@@ -304,13 +316,15 @@ TEST_F(PlixWriteTest, VerifyOfUndeclaredIdReturns9AfterClear)
 TEST_F(PlixWriteTest, VerifyAgainstCorruptStoredPasswordReturns201AndLogsError)
 {
     engine.reset();
-    writeFile("main.json", R"({"a": {"i": 5, "d": 2.5, "s": "hello", "b": true, "pw": "abc", "n": 1},
+    writeFile("main.json",
+              R"({"a": {"i": 5, "d": 2.5, "s": "hello", "b": true, "pw": "abc", "n": 1},
         "ports": {"mainport": 102, "displayport": 103, "httpport": 80},
         "prio": {"disconnectexistconnections": false, "sharedsessions": true, "refuseconcurrentconnections": false}})");
     configureWith({"-c", path("plix.xml")});
     start();
     int result = -1;
-    const auto lines = outputOf([&] { result = engine->verify("client-a", "a/pw", std::string("secret")); });
+    const auto lines =
+        outputOf([&] { result = engine->verify("client-a", "a/pw", std::string("secret")); });
     EXPECT_EQ(result, 201);
     ASSERT_EQ(lines.size(), 2u);
     EXPECT_THAT(lines[1], StartsWith("[ERR] Stored password of a/pw is corrupt: "));

@@ -33,7 +33,8 @@ void readValues(PlixXML_Parser::ValueTable& values, PlixJsonModifier& json)
     for (bool linkedPass : {false, true}) {
         for (auto& entry : values) {
             PlixValue& value = entry.second;
-            if (value.inJson() && value.valueInJsonWillBeReadFromPreviousPlixValue() == linkedPass) {
+            if (value.inJson() &&
+                value.valueInJsonWillBeReadFromPreviousPlixValue() == linkedPass) {
                 json.get_value(&value);
             }
         }

@@ -67,8 +67,8 @@ TEST_F(AdaptorRead, ReadLogsTheClientAndTheXmlId)
 {
     client().getIntTransient("general/count");
     syncOutput();
-    EXPECT_TRUE(plixHasLine(lines(), "[NOT] getIntValueTransient client: " +
-                                         client().uniqueName() + " xml_id: general/count"));
+    EXPECT_TRUE(plixHasLine(lines(), "[NOT] getIntValueTransient client: " + client().uniqueName() +
+                                         " xml_id: general/count"));
 }
 
 TEST_F(AdaptorRead, DefaultFromTheXmlIsReadable)
@@ -108,8 +108,9 @@ TEST_F(AdaptorRead, PlainReadOfAnUndeclaredIdReplies9AndEndsTheTransaction)
     ASSERT_EQ(client().transactionStart(true), 0);
     EXPECT_EQ(client().getInt("general/nothing").status, 9);
     EXPECT_EQ(client().transactionStop(), 4);
-    EXPECT_TRUE(plixLinesAdjacent(lines(), {"[NOT] general/nothing is not declared in the xml",
-                                            "[NOT] Clearing PLIX to be ready for new transactions"}));
+    EXPECT_TRUE(
+        plixLinesAdjacent(lines(), {"[NOT] general/nothing is not declared in the xml",
+                                    "[NOT] Clearing PLIX to be ready for new transactions"}));
 }
 
 TEST_F(AdaptorRead, PlainReadOfAnotherTypeReplies11AndEndsTheTransaction)

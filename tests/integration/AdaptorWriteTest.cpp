@@ -19,8 +19,8 @@ TEST_F(AdaptorWrite, SetOfAnUndeclaredIdReplies9AndEndsTheTransaction)
     ASSERT_EQ(client().transactionStart(true), 0);
     EXPECT_EQ(client().setInt("general/nothing", 5), 9);
     EXPECT_EQ(client().transactionStop(), 4);
-    EXPECT_TRUE(plixLinesAdjacent(lines(), {kClearLine,
-                                            "[NOT] general/nothing is not declared in the xml"}));
+    EXPECT_TRUE(plixLinesAdjacent(
+        lines(), {kClearLine, "[NOT] general/nothing is not declared in the xml"}));
 }
 
 TEST_F(AdaptorWrite, SetInAReadOnlyFileReplies15AndEndsTheTransaction)
@@ -28,8 +28,8 @@ TEST_F(AdaptorWrite, SetInAReadOnlyFileReplies15AndEndsTheTransaction)
     ASSERT_EQ(client().transactionStart(true), 0);
     EXPECT_EQ(client().setString("fixed/serial", "SN-9"), 15);
     EXPECT_EQ(client().transactionStop(), 4);
-    EXPECT_TRUE(plixLinesAdjacent(lines(), {"[NOT] client tried to change read_only file fixed",
-                                            kClearLine}));
+    EXPECT_TRUE(plixLinesAdjacent(
+        lines(), {"[NOT] client tried to change read_only file fixed", kClearLine}));
     EXPECT_EQ(client().getStringTransient("fixed/serial").value, "SN-0001");
 }
 
@@ -45,8 +45,8 @@ TEST_F(AdaptorWrite, ValueOutsideTheValidatorsRangeReplies200)
 {
     ASSERT_EQ(client().transactionStart(true), 0);
     EXPECT_EQ(client().setInt("general/count", 5000), 200);
-    EXPECT_TRUE(plixHasLine(lines(),
-                            "[NOT] Validation failed: value for count not beetween 0 and 1000!"));
+    EXPECT_TRUE(
+        plixHasLine(lines(), "[NOT] Validation failed: value for count not beetween 0 and 1000!"));
     EXPECT_EQ(client().transactionStop(), 4);
 }
 

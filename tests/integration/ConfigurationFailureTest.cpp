@@ -43,9 +43,9 @@ TEST_F(ConfigurationFailure, JpathMissingFromItsJsonFileEnds5)
 TEST_F(ConfigurationFailure, FileNamingAnUndeclaredPanelFileEnds10)
 {
     writeConfig();
-    const std::string xml = writeXml(
-        "undeclared.xml",
-        configWith(kStorePanel, "<DataSet ID=\"general\"><File>nosuch</File></DataSet>"));
+    const std::string xml =
+        writeXml("undeclared.xml",
+                 configWith(kStorePanel, "<DataSet ID=\"general\"><File>nosuch</File></DataSet>"));
     PlixServiceProcess& service = start({"-c", xml});
     EXPECT_EQ(service.waitExit(kExitBound), 10);
     EXPECT_EQ(plixLastLines(service.stdoutLines(), 2),
@@ -58,12 +58,10 @@ TEST_F(ConfigurationFailure, UnreadableJsonEnds1)
 {
     const std::string json = dir().write("broken.json", "{ \"general\": ");
     const std::string xml = writeXml(
-        "broken.xml", configWith("<Panel_file name=\"broken\">@DIR@/broken.json</Panel_file>",
-                                 ""));
+        "broken.xml", configWith("<Panel_file name=\"broken\">@DIR@/broken.json</Panel_file>", ""));
     PlixServiceProcess& service = start({"-c", xml});
     EXPECT_EQ(service.waitExit(kExitBound), 1);
     EXPECT_EQ(plixLastLines(service.stdoutLines(), 2),
-              (std::vector<std::string>{
-                  "[ERR] cannot open .json file: broken under path " + json,
-                  "[NFO] Shutting down plix!"}));
+              (std::vector<std::string>{"[ERR] cannot open .json file: broken under path " + json,
+                                        "[NFO] Shutting down plix!"}));
 }

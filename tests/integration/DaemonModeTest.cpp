@@ -42,7 +42,6 @@ TEST_F(DaemonMode, SecondInstanceAsDaemonEndsItsParentWith0AndItsChildWith2)
     EXPECT_EQ(second.waitExit(kExitBound), 0);
     // The detached child ends in the namespace, where its first process
     // records it.
-    EXPECT_TRUE(plixWaitUntil([&] { return endedWith(first->endedProcesses(), 2); },
-                              kExitBound));
+    EXPECT_TRUE(plixWaitUntil([&] { return endedWith(first->endedProcesses(), 2); }, kExitBound));
     EXPECT_EQ(newClient().getIntTransient("general/count").value, 42);
 }

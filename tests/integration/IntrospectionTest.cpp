@@ -58,26 +58,25 @@ TEST_F(Introspection, PlixShowsTheNineteenMethodsWithTheirArguments)
     const GDBusInterfaceInfo* adaptor =
         g_dbus_node_info_lookup_interface(node.get(), "com.orvanta.plix.dBusAdaptor");
     ASSERT_NE(adaptor, nullptr);
-    const std::vector<std::string> expected{
-        "Transactionstart(persistent:b)->(message:i)",
-        "SetBoolValue(ID:s,value:b)->(message:i)",
-        "SetIntValue(ID:s,value:i)->(message:i)",
-        "SetDoubleValue(ID:s,value:d)->(message:i)",
-        "SetStringValue(ID:s,value:s)->(message:i)",
-        "SetBoolValueTransient(ID:s,value:b)->(message:i)",
-        "SetIntValueTransient(ID:s,value:i)->(message:i)",
-        "SetDoubleValueTransient(ID:s,value:d)->(message:i)",
-        "SetStringValueTransient(ID:s,value:s)->(message:i)",
-        "Transactionstop()->(message:i)",
-        "GetIntValue(ID:s)->(Value:i,message:i)",
-        "GetDoubleValue(ID:s)->(Value:d,message:i)",
-        "GetStringValue(ID:s)->(Value:s,message:i)",
-        "GetBoolValue(ID:s)->(Value:b,message:i)",
-        "GetIntValueTransient(ID:s)->(message:i,value:i)",
-        "GetDoubleValueTransient(ID:s)->(message:i,value:d)",
-        "GetStringValueTransient(ID:s)->(message:i,value:s)",
-        "GetBoolValueTransient(ID:s)->(message:i,value:b)",
-        "Verify(value:v,ID:s)->(message:i)"};
+    const std::vector<std::string> expected{"Transactionstart(persistent:b)->(message:i)",
+                                            "SetBoolValue(ID:s,value:b)->(message:i)",
+                                            "SetIntValue(ID:s,value:i)->(message:i)",
+                                            "SetDoubleValue(ID:s,value:d)->(message:i)",
+                                            "SetStringValue(ID:s,value:s)->(message:i)",
+                                            "SetBoolValueTransient(ID:s,value:b)->(message:i)",
+                                            "SetIntValueTransient(ID:s,value:i)->(message:i)",
+                                            "SetDoubleValueTransient(ID:s,value:d)->(message:i)",
+                                            "SetStringValueTransient(ID:s,value:s)->(message:i)",
+                                            "Transactionstop()->(message:i)",
+                                            "GetIntValue(ID:s)->(Value:i,message:i)",
+                                            "GetDoubleValue(ID:s)->(Value:d,message:i)",
+                                            "GetStringValue(ID:s)->(Value:s,message:i)",
+                                            "GetBoolValue(ID:s)->(Value:b,message:i)",
+                                            "GetIntValueTransient(ID:s)->(message:i,value:i)",
+                                            "GetDoubleValueTransient(ID:s)->(message:i,value:d)",
+                                            "GetStringValueTransient(ID:s)->(message:i,value:s)",
+                                            "GetBoolValueTransient(ID:s)->(message:i,value:b)",
+                                            "Verify(value:v,ID:s)->(message:i)"};
     EXPECT_EQ(methodsOf(adaptor), expected);
     EXPECT_FALSE(hasMembers(adaptor->signals, adaptor->properties));
     for (int i = 0; adaptor->methods[i] != nullptr; ++i) {
@@ -97,8 +96,8 @@ TEST_F(Introspection, CtrlShowsQuitAndInitAsNoReplyMethods)
     EXPECT_EQ(methodsOf(control), (std::vector<std::string>{"Quit()->()", "Init()->()"}));
     EXPECT_FALSE(hasMembers(control->signals, control->properties));
     for (int i = 0; control->methods[i] != nullptr; ++i) {
-        const gchar* noReply = g_dbus_annotation_info_lookup(
-            control->methods[i]->annotations, "org.freedesktop.DBus.Method.NoReply");
+        const gchar* noReply = g_dbus_annotation_info_lookup(control->methods[i]->annotations,
+                                                             "org.freedesktop.DBus.Method.NoReply");
         EXPECT_STREQ(noReply, "true") << control->methods[i]->name;
     }
 }

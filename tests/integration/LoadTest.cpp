@@ -11,6 +11,14 @@ constexpr long kCalls = 50000;
 constexpr long kRssToleranceKiB = 1024;
 constexpr auto kRunBound = std::chrono::seconds(150);
 constexpr int kCallTimeoutMs = 20000;
+// AddressSanitizer holds freed memory back in its quarantine, so a service
+// built with it grows by design (scripts/sanitize.sh); the sanitizer checks
+// its memory there instead.
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool kMeasureMemory = false;
+#else
+constexpr bool kMeasureMemory = true;
+#endif
 
 long residentKiB(pid_t pid)
 {
@@ -114,8 +122,8 @@ private:
     {
         Step& step = mStates[client];
         if (step == Step::Setting) {
-            call(client, "SetIntValue", g_variant_new("(si)", "load/counter",
-                                                      static_cast<gint32>(mIssued % 1000)));
+            call(client, "SetIntValue",
+                 g_variant_new("(si)", "load/counter", static_cast<gint32>(mIssued % 1000)));
         } else if (step == Step::Stopping) {
             call(client, "Transactionstop", nullptr);
         } else if (mIssued < mBudget) {
@@ -222,6 +230,8 @@ TEST_F(Load, ThirtyTwoClientsGetEveryReplyRightWithoutGrowingTheService)
     EXPECT_EQ(load.answered(), load.issued());
     EXPECT_EQ(load.wrong(), 0) << load.firstWrong();
     EXPECT_GT(load.committed(), 0);
-    EXPECT_LE(rssAfter - rssBefore, kRssToleranceKiB);
+    if (kMeasureMemory) {
+        EXPECT_LE(rssAfter - rssBefore, kRssToleranceKiB);
+    }
     EXPECT_EQ(client().getIntTransient("load/constant").value, 7);
 }

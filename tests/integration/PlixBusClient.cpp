@@ -77,8 +77,8 @@ PlixGVariantPtr PlixBusClient::call(const std::string& destination, const std::s
 {
     GError* failure = nullptr;
     GVariant* reply = g_dbus_connection_call_sync(
-        mConnection, destination.c_str(), path.c_str(), interface.c_str(), method.c_str(),
-        params, nullptr, G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs, nullptr, &failure);
+        mConnection, destination.c_str(), path.c_str(), interface.c_str(), method.c_str(), params,
+        nullptr, G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs, nullptr, &failure);
     if (reply == nullptr) {
         if (error != nullptr) {
             gchar* remote = g_dbus_error_get_remote_error(failure);
@@ -220,8 +220,8 @@ int PlixBusClient::verify(GVariant* value, const std::string& id) const
 
 std::string PlixBusClient::introspect(const std::string& path) const
 {
-    PlixGVariantPtr reply = call(kServiceName, path, "org.freedesktop.DBus.Introspectable",
-                                 "Introspect", nullptr);
+    PlixGVariantPtr reply =
+        call(kServiceName, path, "org.freedesktop.DBus.Introspectable", "Introspect", nullptr);
     if (!reply) {
         return "";
     }

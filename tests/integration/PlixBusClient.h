@@ -43,8 +43,8 @@ public:
     // Any call; params is consumed (floating). Returns the reply, or null with
     // the D-Bus error's name and message in *error.
     PlixGVariantPtr call(const std::string& destination, const std::string& path,
-                         const std::string& interface, const std::string& method,
-                         GVariant* params, std::string* error = nullptr) const;
+                         const std::string& interface, const std::string& method, GVariant* params,
+                         std::string* error = nullptr) const;
     // A call of the configuration interface at /plix.
     PlixGVariantPtr callAdaptor(const std::string& method, GVariant* params,
                                 std::string* error = nullptr) const;

@@ -52,8 +52,7 @@ int openOutput(const std::string& path)
 
 PlixChildProcess::PlixChildProcess(const std::vector<std::string>& argv,
                                    const std::map<std::string, std::string>& env,
-                                   const std::string& stdoutPath,
-                                   const std::string& stderrPath)
+                                   const std::string& stdoutPath, const std::string& stderrPath)
 {
     // Everything the child needs is prepared before fork: between fork and
     // exec only async-signal-safe calls are allowed in a threaded process.

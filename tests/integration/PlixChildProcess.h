@@ -17,8 +17,8 @@ public:
     // env: variables set on top of the test's own environment; a variable
     // given with an empty value is removed instead.
     PlixChildProcess(const std::vector<std::string>& argv,
-                     const std::map<std::string, std::string>& env,
-                     const std::string& stdoutPath, const std::string& stderrPath);
+                     const std::map<std::string, std::string>& env, const std::string& stdoutPath,
+                     const std::string& stderrPath);
     ~PlixChildProcess();
     PlixChildProcess(const PlixChildProcess&) = delete;
     PlixChildProcess& operator=(const PlixChildProcess&) = delete;

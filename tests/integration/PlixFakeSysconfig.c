@@ -15,14 +15,14 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-static void record(const char *format, ...) __attribute__((format(printf, 1, 2)));
+static void record(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-static void record(const char *format, ...)
+static void record(const char* format, ...)
 {
-    const char *path = getenv("PLIX_FAKE_SYSCONFIG_LOG");
+    const char* path = getenv("PLIX_FAKE_SYSCONFIG_LOG");
     if (path == NULL || *path == '\0')
         return;
-    FILE *log = fopen(path, "a");
+    FILE* log = fopen(path, "a");
     if (log == NULL)
         return;
     va_list args;
@@ -32,19 +32,19 @@ static void record(const char *format, ...)
     fclose(log);
 }
 
-static int answer(const char *variable)
+static int answer(const char* variable)
 {
-    const char *text = getenv(variable);
+    const char* text = getenv(variable);
     return (text == NULL || *text == '\0') ? 1 : atoi(text);
 }
 
-static void recordBytes(const char *head, const uint8_t *a, const uint8_t *m, const uint8_t *g)
+static void recordBytes(const char* head, const uint8_t* a, const uint8_t* m, const uint8_t* g)
 {
-    record("%s %02x%02x%02x%02x %02x%02x%02x%02x %02x%02x%02x%02x\n", head,
-           a[0], a[1], a[2], a[3], m[0], m[1], m[2], m[3], g[0], g[1], g[2], g[3]);
+    record("%s %02x%02x%02x%02x %02x%02x%02x%02x %02x%02x%02x%02x\n", head, a[0], a[1], a[2], a[3],
+           m[0], m[1], m[2], m[3], g[0], g[1], g[2], g[3]);
 }
 
-int sysconfig_set_ipconfig(uint16_t caller, const sysconfig_ipconfig_t *config)
+int sysconfig_set_ipconfig(uint16_t caller, const sysconfig_ipconfig_t* config)
 {
     char head[32];
     snprintf(head, sizeof head, "ipconfig %04x", (unsigned)caller);
@@ -55,7 +55,7 @@ int sysconfig_set_ipconfig(uint16_t caller, const sysconfig_ipconfig_t *config)
     return answer("PLIX_FAKE_IPCONFIG_ANSWER");
 }
 
-int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t *name)
+int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t* name)
 {
     const int length = (name != NULL && name->name != NULL) ? (int)name->length : 0;
     record("sysname %04x %.*s\n", (unsigned)caller, length, length > 0 ? name->name : "");

@@ -76,8 +76,8 @@ std::string PlixIntegrationTest::withTestDir(std::string text) const
 std::string PlixIntegrationTest::writeConfig()
 {
     for (const char* name : kConfigFiles) {
-        mDir->write(name, withTestDir(PlixTestDir::readFile(std::string(PLIX_TEST_DATA_DIR) +
-                                                            "/" + name)));
+        mDir->write(
+            name, withTestDir(PlixTestDir::readFile(std::string(PLIX_TEST_DATA_DIR) + "/" + name)));
     }
     return mDir->file(kConfigFiles[0]);
 }
@@ -125,9 +125,11 @@ bool PlixIntegrationTest::waitServing(PlixServiceProcess& service)
         return std::chrono::duration_cast<std::chrono::milliseconds>(
             end - std::chrono::steady_clock::now());
     };
-    if (!plixWaitUntil([&] { return !mBus->nameOwner(PlixBusClient::kServiceName).empty() ||
-                                    !service.running(); },
-                       left()) ||
+    if (!plixWaitUntil(
+            [&] {
+                return !mBus->nameOwner(PlixBusClient::kServiceName).empty() || !service.running();
+            },
+            left()) ||
         mBus->nameOwner(PlixBusClient::kServiceName).empty()) {
         return false;
     }
@@ -142,8 +144,9 @@ bool PlixIntegrationTest::waitServing(PlixServiceProcess& service)
         left(), std::chrono::milliseconds(20));
 }
 
-PlixServiceProcess* PlixIntegrationTest::startServing(
-    const std::vector<std::string>& args, const std::map<std::string, std::string>& extraEnv)
+PlixServiceProcess*
+PlixIntegrationTest::startServing(const std::vector<std::string>& args,
+                                  const std::map<std::string, std::string>& extraEnv)
 {
     std::vector<std::string> all{"-c", writeConfig()};
     all.insert(all.end(), args.begin(), args.end());

@@ -29,14 +29,14 @@ bool plixLinesInOrder(const std::vector<std::string>& lines,
 bool plixLinesAdjacent(const std::vector<std::string>& lines,
                        const std::vector<std::string>& expected)
 {
-    return std::search(lines.begin(), lines.end(), expected.begin(), expected.end()) !=
-           lines.end();
+    return std::search(lines.begin(), lines.end(), expected.begin(), expected.end()) != lines.end();
 }
 
 bool plixAnyLineContains(const std::vector<std::string>& lines, const std::string& text)
 {
-    return std::any_of(lines.begin(), lines.end(),
-                       [&](const std::string& line) { return line.find(text) != std::string::npos; });
+    return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
+        return line.find(text) != std::string::npos;
+    });
 }
 
 std::vector<std::string> plixLastLines(const std::vector<std::string>& lines, std::size_t count)

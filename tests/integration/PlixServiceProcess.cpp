@@ -44,11 +44,11 @@ PlixServiceProcess::PlixServiceProcess(const PlixTestDir& dir, const std::string
     env["PLIX_TEST_REAL_LOCK"] = plixRealLockDirectory();
     // --kill-child: whatever ends the unshare process ends the namespace too.
     const std::vector<std::string> command{
-        PLIX_UNSHARE, "--mount", "--ipc", "--pid", "--fork", "--mount-proc",
-        "--propagation", "private", "--kill-child", "--",
-        "/bin/sh", PLIX_NS_SETUP_SCRIPT, PLIX_NS_INIT, mStatusPath};
-    mProcess = std::make_unique<PlixChildProcess>(withArgs(command, args), env, mStdoutPath,
-                                                  mStderrPath);
+        PLIX_UNSHARE,    "--mount",  "--ipc",        "--pid", "--fork",  "--mount-proc",
+        "--propagation", "private",  "--kill-child", "--",    "/bin/sh", PLIX_NS_SETUP_SCRIPT,
+        PLIX_NS_INIT,    mStatusPath};
+    mProcess =
+        std::make_unique<PlixChildProcess>(withArgs(command, args), env, mStdoutPath, mStderrPath);
 }
 
 PlixServiceProcess::PlixServiceProcess(const PlixTestDir& dir, const std::string& name,
@@ -62,10 +62,10 @@ PlixServiceProcess::PlixServiceProcess(const PlixTestDir& dir, const std::string
     if (target <= 0) {
         throw std::runtime_error("the first instance's namespace is gone");
     }
-    const std::vector<std::string> command{PLIX_NSENTER, "--target", std::to_string(target),
-                                           "--mount", "--ipc", "--pid", "--"};
-    mProcess = std::make_unique<PlixChildProcess>(withArgs(command, args), env, mStdoutPath,
-                                                  mStderrPath);
+    const std::vector<std::string> command{
+        PLIX_NSENTER, "--target", std::to_string(target), "--mount", "--ipc", "--pid", "--"};
+    mProcess =
+        std::make_unique<PlixChildProcess>(withArgs(command, args), env, mStdoutPath, mStderrPath);
 }
 
 std::string PlixServiceProcess::stdoutText() const
@@ -83,8 +83,7 @@ std::string PlixServiceProcess::stderrText() const
     return PlixTestDir::readFile(mStderrPath);
 }
 
-bool PlixServiceProcess::waitForLine(const std::string& line,
-                                     std::chrono::milliseconds bound) const
+bool PlixServiceProcess::waitForLine(const std::string& line, std::chrono::milliseconds bound) const
 {
     return plixWaitUntil(
         [&] {

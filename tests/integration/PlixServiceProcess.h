@@ -28,8 +28,7 @@ public:
     // host's PID file and semaphore set.
     PlixServiceProcess(const PlixTestDir& dir, const std::string& name,
                        const std::vector<std::string>& args,
-                       const std::map<std::string, std::string>& env,
-                       PlixServiceProcess& host);
+                       const std::map<std::string, std::string>& env, PlixServiceProcess& host);
 
     std::string stdoutText() const;
     std::vector<std::string> stdoutLines() const;

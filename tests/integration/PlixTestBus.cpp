@@ -21,8 +21,10 @@ PlixTestBus::PlixTestBus(const PlixTestDir& dir, const std::string& configFile)
         std::map<std::string, std::string>{}, printed, dir.file("bus.log"));
     // The daemon prints its address once it listens: that is its readiness.
     const bool listening = plixWaitUntil(
-        [&] { return PlixTestDir::readFile(printed).find('\n') != std::string::npos ||
-                     !mDaemon->running(); },
+        [&] {
+            return PlixTestDir::readFile(printed).find('\n') != std::string::npos ||
+                   !mDaemon->running();
+        },
         std::chrono::seconds(10));
     if (!listening || !mDaemon->running()) {
         throw std::runtime_error("private dbus-daemon did not come up: " +
@@ -52,8 +54,7 @@ std::string PlixTestBus::nameOwner(const std::string& name) const
 
 pid_t PlixTestBus::processIdOf(const std::string& uniqueName) const
 {
-    PlixGVariantPtr reply = mAdmin->call(kBusName, kBusPath, kBusName,
-                                         "GetConnectionUnixProcessID",
+    PlixGVariantPtr reply = mAdmin->call(kBusName, kBusPath, kBusName, "GetConnectionUnixProcessID",
                                          g_variant_new("(s)", uniqueName.c_str()));
     if (!reply) {
         return -1;

@@ -2,8 +2,7 @@
 
 #include <thread>
 
-bool plixWaitUntil(const std::function<bool()>& condition,
-                   std::chrono::milliseconds bound,
+bool plixWaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds bound,
                    std::chrono::milliseconds interval)
 {
     const auto end = std::chrono::steady_clock::now() + bound;

@@ -12,7 +12,9 @@ TEST_F(SingleInstance, PidFileHoldsTheServicesIdWithMode0600)
     ASSERT_NE(service, nullptr);
     EXPECT_EQ(PlixTestDir::readFile(service->pidFilePath()),
               std::to_string(namespacePidOf(servicePid())) + "\n");
-    struct stat info{};
+    struct stat info
+    {
+    };
     ASSERT_EQ(stat(service->pidFilePath().c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600u);
 }
@@ -26,9 +28,9 @@ TEST_F(SingleInstance, SecondInstanceEnds255AndTheFirstKeepsServing)
 
     PlixServiceProcess& second = startInside(*first, {"-c", dir().file("plix_test.xml")}, "second");
     EXPECT_EQ(second.waitExit(kExitBound), 255);
-    EXPECT_EQ(plixLastLines(second.stdoutLines(), 1),
-              std::vector<std::string>{
-                  "[ERR] Service already started. Shutting down com.orvanta.plix"});
+    EXPECT_EQ(
+        plixLastLines(second.stdoutLines(), 1),
+        std::vector<std::string>{"[ERR] Service already started. Shutting down com.orvanta.plix"});
     // The first option pass knows only -d and complains about -c.
     EXPECT_EQ(second.stderrText(), std::string(PLIX_SERVICE_BINARY) +
                                        ": invalid option -- 'c'\n"

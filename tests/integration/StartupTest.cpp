@@ -54,8 +54,7 @@ TEST_F(Startup, SecondDashCReplacesTheFirst)
     ASSERT_TRUE(waitServing(service)) << tail(service);
     EXPECT_TRUE(plixLinesAdjacent(service.stdoutLines(),
                                   {"[NFO] XML Config File Path: " + first,
-                                   "[NFO] XML Config File Path: " + xml,
-                                   "[NOT] Parsing " + xml}));
+                                   "[NFO] XML Config File Path: " + xml, "[NOT] Parsing " + xml}));
 }
 
 TEST_F(Startup, WithoutDashCTheDefaultFileIsTaken)

@@ -16,10 +16,9 @@ TEST_F(TransactionContention, SecondClientsStartIsRefusedWith8)
     ASSERT_EQ(client().transactionStart(true), 0);
     EXPECT_EQ(other.transactionStart(true), 8);
     syncOutput();
-    EXPECT_TRUE(plixLinesAdjacent(lines(),
-                                  {"[NOT] transactionStart client: " + other.uniqueName() +
-                                       " persistent: true",
-                                   "[NOT] Plix is currently busy with another transaction!"}));
+    EXPECT_TRUE(plixLinesAdjacent(
+        lines(), {"[NOT] transactionStart client: " + other.uniqueName() + " persistent: true",
+                  "[NOT] Plix is currently busy with another transaction!"}));
 }
 
 TEST_F(TransactionContention, SameClientStartingTwiceGets8AndKeepsItsTransaction)
@@ -43,7 +42,8 @@ TEST_F(TransactionContention, NonHolderCallsAreRefusedAndTheHolderGoesOn)
     EXPECT_EQ(other.getIntTransient("general/count").value, 5);
     syncOutput();
     EXPECT_TRUE(plixHasLine(lines(), "[NOT] Plix is currently busy with another transaction "
-                                     "with client " + client().uniqueName()));
+                                     "with client " +
+                                         client().uniqueName()));
 }
 
 TEST_F(TransactionContention, IdleClientLosesItsTransactionAfterFourSeconds)

@@ -10,7 +10,8 @@ class FixedSalt
 {
 public:
     static constexpr const char* text = "0123456789ABCDEFGHIJabcdefghij";
-    static constexpr const char* hex = "303132333435363738394142434445464748494a6162636465666768696a";
+    static constexpr const char* hex =
+        "303132333435363738394142434445464748494a6162636465666768696a";
 
     FixedSalt()
     {

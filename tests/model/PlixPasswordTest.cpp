@@ -12,7 +12,8 @@ namespace {
 // lowercase hex.
 const std::string sha256Iter0 = "c03c3acc7fa6f8e7acd57c145328ded75fb8ba48c402267114b571ab90425c";
 const std::string sha256Iter1 = "14db8c29c8a1a931a7d6e5f8df756fc371b29faaaa79c8bb6bff12d9443";
-const std::string sha256Iter1000 = "a3bfb7f414fbac3f42db3023e4e6e920afe1ce97d4c0cfa3ee40635dfc9fc0f7";
+const std::string sha256Iter1000 =
+    "a3bfb7f414fbac3f42db3023e4e6e920afe1ce97d4c0cfa3ee40635dfc9fc0f7";
 const std::string sha1Iter0 = "e6b8448b55b67ce879468236c53f0ff3f6a64a4";
 const std::string sha1Iter1 = "83961974818e741b0c486adfc03acc2f406290";
 const std::string sha1Iter1000 = "2016b2641bc21563f1bcc1afb385ce1690b9d5";
@@ -79,8 +80,9 @@ TEST_F(PlixPasswordFixedSalt, HashGivesOneDigestOfTextThenSalt)
 TEST_F(PlixPasswordFixedSalt, HashReadsTextAndSaltOnlyUpToTheirFirstNul)
 {
     const PlixPassword password("", "password,sha256,0", false);
-    EXPECT_EQ(password.hash(std::string("secret\0junk", 11), std::string(FixedSalt::text) + '\0' + "x"),
-              sha256Iter0);
+    EXPECT_EQ(
+        password.hash(std::string("secret\0junk", 11), std::string(FixedSalt::text) + '\0' + "x"),
+        sha256Iter0);
 }
 
 TEST_F(PlixPasswordFixedSalt, StoredFormReadBackWithHashFalseVerifies)
@@ -142,7 +144,8 @@ TEST(PlixPassword, HashingSameTextTwiceGivesDifferentStoredFormsThatBothMatch)
 
 TEST(PlixPassword, StoredFormIsDigestTextPlusSixtyHexCharacters)
 {
-    const std::string stored = PlixPassword("secret", "password,sha256,0", true).getHashedPassword();
+    const std::string stored =
+        PlixPassword("secret", "password,sha256,0", true).getHashedPassword();
     ASSERT_GE(stored.size(), 60u + 32u);
     ASSERT_LE(stored.size(), 60u + 64u);
     EXPECT_EQ(stored.find_first_not_of("0123456789abcdef"), std::string::npos);

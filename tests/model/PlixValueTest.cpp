@@ -16,7 +16,9 @@ namespace {
 class CountingValidator : public PlixValueValidator
 {
 public:
-    CountingValidator(PlixValue& value, unsigned result) : PlixValueValidator(value), result(result) {}
+    CountingValidator(PlixValue& value, unsigned result) : PlixValueValidator(value), result(result)
+    {
+    }
     unsigned validate() override
     {
         ++calls;
@@ -206,7 +208,8 @@ TEST_F(PlixValueTest, PasswordDefaultIsHashedWithTheTypeText)
     setDefault(value, "admin_password,sha256,0", "secret");
     EXPECT_EQ(value.getValue().getDataType(), PlixVariant::PASSWORD);
     EXPECT_EQ(value.getValue().getAsString(),
-              std::string("c03c3acc7fa6f8e7acd57c145328ded75fb8ba48c402267114b571ab90425c") + FixedSalt::hex);
+              std::string("c03c3acc7fa6f8e7acd57c145328ded75fb8ba48c402267114b571ab90425c") +
+                  FixedSalt::hex);
 }
 
 TEST_F(PlixValueTest, DefaultOfUnknownTypeLeavesNoContent)

@@ -50,7 +50,9 @@ TEST(PlixVariant, ConstructorsFillTheirOwnContent)
     EXPECT_EQ(PlixVariant(std::string("ip")).asString(), "ip");
     EXPECT_EQ(PlixVariant(-7).asInt(), -7);
     EXPECT_DOUBLE_EQ(PlixVariant(7.5).asDouble(), 7.5);
-    EXPECT_EQ(PlixVariant(PlixPassword("abc", "password,sha1,0", false)).asPlixPassword().getHashedPassword(),
+    EXPECT_EQ(PlixVariant(PlixPassword("abc", "password,sha1,0", false))
+                  .asPlixPassword()
+                  .getHashedPassword(),
               "abc");
 }
 
@@ -110,7 +112,8 @@ TEST(PlixVariant, SetValuePasswordCopiesEveryPasswordField)
     variant.setValuePassword(PlixPassword("secret", "password,sha1,1000", true));
     const PlixPassword copy = variant.asPlixPassword();
     EXPECT_EQ(copy.getPlainTextLength(), 6);
-    EXPECT_EQ(copy.getHashedPassword(), std::string("2016b2641bc21563f1bcc1afb385ce1690b9d5") + FixedSalt::hex);
+    EXPECT_EQ(copy.getHashedPassword(),
+              std::string("2016b2641bc21563f1bcc1afb385ce1690b9d5") + FixedSalt::hex);
     EXPECT_TRUE(copy == "secret");
 }
 
@@ -150,7 +153,8 @@ TEST(PlixVariant, TextOfDoubleHasSixSignificantDigits)
 
 TEST(PlixVariant, TextOfNumbersIgnoresTheGlobalLocale)
 {
-    const std::locale previous = std::locale::global(std::locale(std::locale::classic(), new GroupingPunct));
+    const std::locale previous =
+        std::locale::global(std::locale(std::locale::classic(), new GroupingPunct));
     const std::string intText = PlixVariant(1234567).getAsString();
     const std::string doubleText = PlixVariant(1234.5).getAsString();
     std::locale::global(previous);

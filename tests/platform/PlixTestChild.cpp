@@ -9,17 +9,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace
-{
+namespace {
 long nowMs()
 {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
     return static_cast<long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
 }
-}
+} // namespace
 
-PlixTestChild::Result PlixTestChild::run(const std::function<std::string()> &body, int timeoutMs)
+PlixTestChild::Result PlixTestChild::run(const std::function<std::string()>& body, int timeoutMs)
 {
     int channel[2];
     if (pipe(channel) != 0) {
@@ -48,7 +47,7 @@ PlixTestChild::Result PlixTestChild::run(const std::function<std::string()> &bod
     return {finished && complete, output};
 }
 
-std::string PlixTestChild::readAll(int fd, long deadlineMs, bool &complete)
+std::string PlixTestChild::readAll(int fd, long deadlineMs, bool& complete)
 {
     std::string text;
     char buffer[256];

@@ -11,18 +11,18 @@ class PlixTestChild
 public:
     struct Result
     {
-        bool finished;        // the child ended by itself within the wait
-        std::string output;   // what the body returned, as the child sent it
+        bool finished;      // the child ended by itself within the wait
+        std::string output; // what the body returned, as the child sent it
     };
 
     // The body runs in the child; its returned text is handed back.
-    static Result run(const std::function<std::string()> &body, int timeoutMs = 15000);
+    static Result run(const std::function<std::string()>& body, int timeoutMs = 15000);
 
     // Takes one capability (CAP_...) from the calling process's effective
     // set, so that the kernel refuses what needs it; false when it cannot.
     static bool dropCapability(unsigned capability);
 
 private:
-    static std::string readAll(int fd, long deadlineMs, bool &complete);
+    static std::string readAll(int fd, long deadlineMs, bool& complete);
     static bool reap(int pid, long deadlineMs);
 };

@@ -11,8 +11,7 @@
 // Every ip command is bounded, so that a stuck one cannot hang the tests.
 #define IP "timeout 10 ip "
 
-namespace
-{
+namespace {
 int counter = 0;
 }
 
@@ -49,29 +48,30 @@ bool PlixTestNetwork::create(bool withLink)
     if (status != 0 || !withLink) {
         return status == 0;
     }
-    shell(IP "-n " + deviceNs + " link add " PLIX_SYSCONFIG_IFNAME " type veth peer name peer0 netns " + peerNs
-              + " && " IP "-n " + deviceNs + " link set " PLIX_SYSCONFIG_IFNAME " up && " IP "-n " + peerNs
-              + " link set peer0 up",
+    shell(IP "-n " + deviceNs +
+              " link add " PLIX_SYSCONFIG_IFNAME " type veth peer name peer0 netns " + peerNs +
+              " && " IP "-n " + deviceNs + " link set " PLIX_SYSCONFIG_IFNAME " up && " IP "-n " +
+              peerNs + " link set peer0 up",
           &status);
     return status == 0;
 }
 
-std::string PlixTestNetwork::device(const std::string &arguments) const
+std::string PlixTestNetwork::device(const std::string& arguments) const
 {
     return ip(deviceNs, arguments);
 }
 
-std::string PlixTestNetwork::peer(const std::string &arguments) const
+std::string PlixTestNetwork::peer(const std::string& arguments) const
 {
     return ip(peerNs, arguments);
 }
 
-std::string PlixTestNetwork::ip(const std::string &ns, const std::string &arguments) const
+std::string PlixTestNetwork::ip(const std::string& ns, const std::string& arguments) const
 {
     return shell(IP "-n " + ns + " " + arguments);
 }
 
-std::string PlixTestNetwork::inDevice(const std::function<int()> &body) const
+std::string PlixTestNetwork::inDevice(const std::function<int()>& body) const
 {
     std::string path = "/var/run/netns/" + deviceNs;
     PlixTestChild::Result result = PlixTestChild::run([&path, &body]() {
@@ -85,10 +85,10 @@ std::string PlixTestNetwork::inDevice(const std::function<int()> &body) const
     return result.finished ? result.output : "no child";
 }
 
-std::string PlixTestNetwork::shell(const std::string &command, int *status)
+std::string PlixTestNetwork::shell(const std::string& command, int* status)
 {
     std::string output;
-    FILE *pipe = popen(command.c_str(), "r");
+    FILE* pipe = popen(command.c_str(), "r");
     if (pipe == nullptr) {
         if (status != nullptr) {
             *status = -1;

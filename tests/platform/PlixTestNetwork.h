@@ -13,8 +13,8 @@ class PlixTestNetwork
 public:
     PlixTestNetwork();
     ~PlixTestNetwork();
-    PlixTestNetwork(const PlixTestNetwork &) = delete;
-    PlixTestNetwork &operator=(const PlixTestNetwork &) = delete;
+    PlixTestNetwork(const PlixTestNetwork&) = delete;
+    PlixTestNetwork& operator=(const PlixTestNetwork&) = delete;
 
     // Empty when namespaces can be made here, else why not.
     static std::string unavailableReason();
@@ -24,18 +24,18 @@ public:
 
     // Runs an ip command inside the device or the peer namespace (the
     // arguments follow "ip -n <namespace>"); its standard output.
-    std::string device(const std::string &arguments) const;
-    std::string peer(const std::string &arguments) const;
+    std::string device(const std::string& arguments) const;
+    std::string peer(const std::string& arguments) const;
 
     // Runs the body in a child that has joined the device namespace; the
     // body's text, or "no child" when it did not finish in time.
-    std::string inDevice(const std::function<int()> &body) const;
+    std::string inDevice(const std::function<int()>& body) const;
 
     // Runs a shell command; its standard output and, if asked, exit status.
-    static std::string shell(const std::string &command, int *status = nullptr);
+    static std::string shell(const std::string& command, int* status = nullptr);
 
 private:
-    std::string ip(const std::string &ns, const std::string &arguments) const;
+    std::string ip(const std::string& ns, const std::string& arguments) const;
 
     std::string deviceNs;
     std::string peerNs;

@@ -11,8 +11,7 @@
 #include <memory>
 #include <unistd.h>
 
-namespace
-{
+namespace {
 const uint16_t caller = 0xFE02;
 
 sysconfig_ipconfig_t record(std::array<uint8_t, 4> address, std::array<uint8_t, 4> netmask,
@@ -25,16 +24,18 @@ sysconfig_ipconfig_t record(std::array<uint8_t, 4> address, std::array<uint8_t, 
     return result;
 }
 
-const sysconfig_ipconfig_t staticRecord = record({192, 0, 2, 10}, {255, 255, 255, 0}, {192, 0, 2, 1});
+const sysconfig_ipconfig_t staticRecord =
+    record({192, 0, 2, 10}, {255, 255, 255, 0}, {192, 0, 2, 1});
 const sysconfig_ipconfig_t dhcpRecord{};
 
 // Address, broadcast, scope and label of each IPv4 address of the interface.
-const std::string addressesCommand =
-    "-4 -o addr show dev " PLIX_SYSCONFIG_IFNAME " | tr -d '\\\\' | awk '{print $4, $5, $6, $7, $8, $9}'";
+const std::string addressesCommand = "-4 -o addr show dev " PLIX_SYSCONFIG_IFNAME
+                                     " | tr -d '\\\\' | awk '{print $4, $5, $6, $7, $8, $9}'";
 const std::string defaultRouteCommand = "-4 route show default";
-const std::string appliedAddress = "192.0.2.10/24 brd 192.0.2.255 scope global " PLIX_SYSCONFIG_IFNAME ":sc\n";
+const std::string appliedAddress =
+    "192.0.2.10/24 brd 192.0.2.255 scope global " PLIX_SYSCONFIG_IFNAME ":sc\n";
 const std::string appliedRoute = "default via 192.0.2.1 dev " PLIX_SYSCONFIG_IFNAME " proto 77 \n";
-}
+} // namespace
 
 class SysconfigSetIpconfigTest : public testing::Test
 {
@@ -51,18 +52,15 @@ protected:
         }
     }
 
-    virtual bool withLink() const
-    {
-        return true;
-    }
+    virtual bool withLink() const { return true; }
 
-    std::string apply(const sysconfig_ipconfig_t &config)
+    std::string apply(const sysconfig_ipconfig_t& config)
     {
         return network->inDevice([&config]() { return sysconfig_set_ipconfig(caller, &config); });
     }
 
     // The answer and the lines the library printed while giving it.
-    std::pair<std::string, std::string> applyCapturing(const sysconfig_ipconfig_t &config)
+    std::pair<std::string, std::string> applyCapturing(const sysconfig_ipconfig_t& config)
     {
         testing::internal::CaptureStdout();
         std::string answer = apply(config);
@@ -88,7 +86,8 @@ TEST_F(SysconfigSetIpconfigTest, StaticAddressReplacesEarlierAddressesAndDefault
     network->device("addr add 10.1.2.3/8 dev " PLIX_SYSCONFIG_IFNAME);
     network->device("addr add 198.51.100.7/24 dev " PLIX_SYSCONFIG_IFNAME);
     network->device("route add default via 10.0.0.1");
-    ASSERT_EQ("default via 10.0.0.1 dev " PLIX_SYSCONFIG_IFNAME " \n", network->device(defaultRouteCommand));
+    ASSERT_EQ("default via 10.0.0.1 dev " PLIX_SYSCONFIG_IFNAME " \n",
+              network->device(defaultRouteCommand));
     EXPECT_EQ("1", apply(staticRecord));
     EXPECT_EQ(appliedAddress, network->device(addressesCommand));
     EXPECT_EQ(appliedRoute, network->device(defaultRouteCommand));
@@ -105,7 +104,8 @@ TEST_F(SysconfigSetIpconfigTest, ApplyingTheSameAddressAgainAnswers1)
 TEST_F(SysconfigSetIpconfigTest, GatewayNoneLeavesNoDefaultRoute)
 {
     ASSERT_EQ("1", apply(staticRecord));
-    auto [answer, output] = applyCapturing(record({192, 0, 2, 10}, {255, 255, 255, 0}, {0, 0, 0, 0}));
+    auto [answer, output] =
+        applyCapturing(record({192, 0, 2, 10}, {255, 255, 255, 0}, {0, 0, 0, 0}));
     EXPECT_EQ("1", answer);
     EXPECT_EQ("[NFO] sysconfig_set_ipconfig: " PLIX_SYSCONFIG_IFNAME
               " set to 192.0.2.10 netmask 255.255.255.0 gateway 0.0.0.0\n",
@@ -137,7 +137,9 @@ TEST_F(SysconfigSetIpconfigTest, DhcpModeRemovesTheStaticConfiguration)
     ASSERT_EQ("1", apply(staticRecord));
     auto [answer, output] = applyCapturing(dhcpRecord);
     EXPECT_EQ("1", answer);
-    EXPECT_EQ("[NFO] sysconfig_set_ipconfig: static configuration of " PLIX_SYSCONFIG_IFNAME " removed\n", output);
+    EXPECT_EQ("[NFO] sysconfig_set_ipconfig: static configuration of " PLIX_SYSCONFIG_IFNAME
+              " removed\n",
+              output);
     EXPECT_EQ("", network->device(addressesCommand));
     EXPECT_EQ("", network->device(defaultRouteCommand));
 }
@@ -168,8 +170,9 @@ TEST_F(SysconfigSetIpconfigTest, KernelRefusalAnswers0WithReason)
 {
     testing::internal::CaptureStdout();
     std::string answer = network->inDevice([]() {
-        return PlixTestChild::dropCapability(CAP_NET_ADMIN) ? sysconfig_set_ipconfig(caller, &staticRecord)
-                                                            : -1;
+        return PlixTestChild::dropCapability(CAP_NET_ADMIN)
+                   ? sysconfig_set_ipconfig(caller, &staticRecord)
+                   : -1;
     });
     std::string output = testing::internal::GetCapturedStdout();
     EXPECT_EQ("0", answer);
@@ -182,7 +185,8 @@ TEST_F(SysconfigSetIpconfigTest, KernelRefusalAnswers0WithReason)
 TEST_F(SysconfigSetIpconfigTest, MissingRecordAnswers0WithReason)
 {
     testing::internal::CaptureStdout();
-    std::string answer = network->inDevice([]() { return sysconfig_set_ipconfig(caller, nullptr); });
+    std::string answer =
+        network->inDevice([]() { return sysconfig_set_ipconfig(caller, nullptr); });
     EXPECT_EQ("[ERR] sysconfig_set_ipconfig: no record\n", testing::internal::GetCapturedStdout());
     EXPECT_EQ("0", answer);
 }
@@ -191,31 +195,30 @@ TEST_F(SysconfigSetIpconfigTest, MissingRecordAnswers0WithReason)
 class SysconfigSetIpconfigNoInterfaceTest : public SysconfigSetIpconfigTest
 {
 protected:
-    bool withLink() const override
-    {
-        return false;
-    }
+    bool withLink() const override { return false; }
 };
 
 TEST_F(SysconfigSetIpconfigNoInterfaceTest, StaticAddressWithoutTheInterfaceAnswers0WithReason)
 {
     auto [answer, output] = applyCapturing(staticRecord);
     EXPECT_EQ("0", answer);
-    EXPECT_EQ("[ERR] sysconfig_set_ipconfig: interface " PLIX_SYSCONFIG_IFNAME " not found\n", output);
+    EXPECT_EQ("[ERR] sysconfig_set_ipconfig: interface " PLIX_SYSCONFIG_IFNAME " not found\n",
+              output);
 }
 
 TEST_F(SysconfigSetIpconfigNoInterfaceTest, DhcpModeWithoutTheInterfaceAnswers0WithReason)
 {
     auto [answer, output] = applyCapturing(dhcpRecord);
     EXPECT_EQ("0", answer);
-    EXPECT_EQ("[ERR] sysconfig_set_ipconfig: interface " PLIX_SYSCONFIG_IFNAME " not found\n", output);
+    EXPECT_EQ("[ERR] sysconfig_set_ipconfig: interface " PLIX_SYSCONFIG_IFNAME " not found\n",
+              output);
 }
 
 struct InvalidRecord
 {
-    const char *name;
+    const char* name;
     sysconfig_ipconfig_t config;
-    const char *line;
+    const char* line;
 };
 
 class SysconfigSetIpconfigInvalidTest : public SysconfigSetIpconfigTest,
@@ -250,34 +253,45 @@ INSTANTIATE_TEST_SUITE_P(
         InvalidRecord{"Reserved", record({240, 0, 0, 1}, {255, 255, 255, 0}, {0, 0, 0, 0}),
                       "240.0.0.1 netmask 255.255.255.0 gateway 0.0.0.0 not supported: "
                       "address is not a unicast host address"},
-        InvalidRecord{"LimitedBroadcast", record({255, 255, 255, 255}, {255, 255, 255, 0}, {0, 0, 0, 0}),
+        InvalidRecord{"LimitedBroadcast",
+                      record({255, 255, 255, 255}, {255, 255, 255, 0}, {0, 0, 0, 0}),
                       "255.255.255.255 netmask 255.255.255.0 gateway 0.0.0.0 not supported: "
                       "address is not a unicast host address"},
-        InvalidRecord{"MaskNotContiguous", record({192, 0, 2, 10}, {255, 0, 255, 0}, {192, 0, 2, 1}),
-                      "192.0.2.10 netmask 255.0.255.0 gateway 192.0.2.1 not supported: netmask not contiguous"},
-        InvalidRecord{"MaskWithHoleAtTheEnd", record({192, 0, 2, 10}, {255, 255, 255, 253}, {0, 0, 0, 0}),
-                      "192.0.2.10 netmask 255.255.255.253 gateway 0.0.0.0 not supported: netmask not contiguous"},
+        InvalidRecord{"MaskNotContiguous",
+                      record({192, 0, 2, 10}, {255, 0, 255, 0}, {192, 0, 2, 1}),
+                      "192.0.2.10 netmask 255.0.255.0 gateway 192.0.2.1 not supported: netmask not "
+                      "contiguous"},
+        InvalidRecord{"MaskWithHoleAtTheEnd",
+                      record({192, 0, 2, 10}, {255, 255, 255, 253}, {0, 0, 0, 0}),
+                      "192.0.2.10 netmask 255.255.255.253 gateway 0.0.0.0 not supported: netmask "
+                      "not contiguous"},
         InvalidRecord{"MaskSlash0", record({192, 0, 2, 10}, {0, 0, 0, 0}, {0, 0, 0, 0}),
-                      "192.0.2.10 netmask 0.0.0.0 gateway 0.0.0.0 not supported: netmask /0 or /32 not supported"},
+                      "192.0.2.10 netmask 0.0.0.0 gateway 0.0.0.0 not supported: netmask /0 or /32 "
+                      "not supported"},
         InvalidRecord{"MaskSlash32", record({192, 0, 2, 10}, {255, 255, 255, 255}, {0, 0, 0, 0}),
                       "192.0.2.10 netmask 255.255.255.255 gateway 0.0.0.0 not supported: "
                       "netmask /0 or /32 not supported"},
         InvalidRecord{"NetworkAddress", record({192, 0, 2, 0}, {255, 255, 255, 0}, {192, 0, 2, 1}),
                       "192.0.2.0 netmask 255.255.255.0 gateway 192.0.2.1 not supported: "
                       "address is the network or broadcast address of the subnet"},
-        InvalidRecord{"BroadcastAddress", record({192, 0, 2, 255}, {255, 255, 255, 0}, {192, 0, 2, 1}),
+        InvalidRecord{"BroadcastAddress",
+                      record({192, 0, 2, 255}, {255, 255, 255, 0}, {192, 0, 2, 1}),
                       "192.0.2.255 netmask 255.255.255.0 gateway 192.0.2.1 not supported: "
                       "address is the network or broadcast address of the subnet"},
-        InvalidRecord{"Slash31HasNoHostAddress", record({192, 0, 2, 10}, {255, 255, 255, 254}, {0, 0, 0, 0}),
+        InvalidRecord{"Slash31HasNoHostAddress",
+                      record({192, 0, 2, 10}, {255, 255, 255, 254}, {0, 0, 0, 0}),
                       "192.0.2.10 netmask 255.255.255.254 gateway 0.0.0.0 not supported: "
                       "address is the network or broadcast address of the subnet"},
-        InvalidRecord{"GatewayOutsideSubnet", record({192, 0, 2, 10}, {255, 255, 255, 0}, {198, 51, 100, 1}),
+        InvalidRecord{"GatewayOutsideSubnet",
+                      record({192, 0, 2, 10}, {255, 255, 255, 0}, {198, 51, 100, 1}),
                       "192.0.2.10 netmask 255.255.255.0 gateway 198.51.100.1 not supported: "
                       "gateway outside the subnet"},
-        InvalidRecord{"GatewayIsTheAddress", record({192, 0, 2, 10}, {255, 255, 255, 0}, {192, 0, 2, 10}),
+        InvalidRecord{"GatewayIsTheAddress",
+                      record({192, 0, 2, 10}, {255, 255, 255, 0}, {192, 0, 2, 10}),
                       "192.0.2.10 netmask 255.255.255.0 gateway 192.0.2.10 not supported: "
                       "gateway is the address itself"},
-        InvalidRecord{"GatewayIsTheBroadcastAddress", record({192, 0, 2, 10}, {255, 255, 255, 0}, {192, 0, 2, 255}),
+        InvalidRecord{"GatewayIsTheBroadcastAddress",
+                      record({192, 0, 2, 10}, {255, 255, 255, 0}, {192, 0, 2, 255}),
                       "192.0.2.10 netmask 255.255.255.0 gateway 192.0.2.255 not supported: "
                       "gateway is the network or broadcast address of the subnet"}),
-    [](const testing::TestParamInfo<InvalidRecord> &info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<InvalidRecord>& info) { return std::string(info.param.name); });

@@ -17,23 +17,22 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace
-{
+namespace {
 const uint16_t caller = 0xFE02;
 
-std::string readFile(const std::string &path)
+std::string readFile(const std::string& path)
 {
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-void writeFile(const std::string &path, const std::string &text)
+void writeFile(const std::string& path, const std::string& text)
 {
     std::ofstream(path, std::ios::binary) << text;
 }
 
 // The answer and the host name the child sees afterwards.
-std::string setAndReport(const char *text, size_t length)
+std::string setAndReport(const char* text, size_t length)
 {
     sysconfig_sysname_t name{text, length};
     int answer = sysconfig_set_sysname(caller, &name);
@@ -42,11 +41,11 @@ std::string setAndReport(const char *text, size_t length)
     return std::to_string(answer) + " " + host;
 }
 
-std::string setAndReport(const std::string &text)
+std::string setAndReport(const std::string& text)
 {
     return setAndReport(text.data(), text.size());
 }
-}
+} // namespace
 
 class SysconfigSetSysnameTest : public testing::Test
 {
@@ -79,20 +78,20 @@ protected:
 
     // Runs the body with its own host name "before-name" and the test's
     // directory in place of /etc.
-    std::string isolated(Etc form, const std::function<std::string()> &body)
+    std::string isolated(Etc form, const std::function<std::string()>& body)
     {
         std::string source = etc;
         std::string mountedFile = directory + "/mounted-hostname";
         writeFile(mountedFile, "old-name\n");
         PlixTestChild::Result result = PlixTestChild::run([&]() {
-            if (unshare(CLONE_NEWUTS | CLONE_NEWNS) != 0
-                || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
-                || mount(source.c_str(), "/etc", nullptr, MS_BIND, nullptr) != 0
-                || (form == Etc::MountedFile
-                    && mount(mountedFile.c_str(), "/etc/hostname", nullptr, MS_BIND, nullptr) != 0)
-                || (form == Etc::ReadOnly
-                    && mount(nullptr, "/etc", nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) != 0)
-                || sethostname("before-name", 11) != 0) {
+            if (unshare(CLONE_NEWUTS | CLONE_NEWNS) != 0 ||
+                mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                mount(source.c_str(), "/etc", nullptr, MS_BIND, nullptr) != 0 ||
+                (form == Etc::MountedFile &&
+                 mount(mountedFile.c_str(), "/etc/hostname", nullptr, MS_BIND, nullptr) != 0) ||
+                (form == Etc::ReadOnly &&
+                 mount(nullptr, "/etc", nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) != 0) ||
+                sethostname("before-name", 11) != 0) {
                 return std::string("no namespace");
             }
             return body();
@@ -101,7 +100,8 @@ protected:
     }
 
     // The answer, host name and printed lines of one call in the isolated child.
-    std::pair<std::string, std::string> setCapturing(const std::string &text, Etc form = Etc::Directory)
+    std::pair<std::string, std::string> setCapturing(const std::string& text,
+                                                     Etc form = Etc::Directory)
     {
         testing::internal::CaptureStdout();
         std::string report = isolated(form, [&text]() { return setAndReport(text); });
@@ -111,7 +111,7 @@ protected:
     std::vector<std::string> etcEntries() const
     {
         std::vector<std::string> names;
-        for (const auto &entry : std::filesystem::directory_iterator(etc)) {
+        for (const auto& entry : std::filesystem::directory_iterator(etc)) {
             names.push_back(entry.path().filename().string());
         }
         return names;
@@ -128,7 +128,9 @@ TEST_F(SysconfigSetSysnameTest, ValidNameSetsHostNameAndWritesEtcHostname)
     EXPECT_EQ("[NFO] sysconfig_set_sysname: host name set to station-7\n", output);
     EXPECT_EQ("station-7\n", readFile(etc + "/hostname"));
     EXPECT_EQ(std::vector<std::string>{"hostname"}, etcEntries());
-    struct stat info{};
+    struct stat info
+    {
+    };
     ASSERT_EQ(0, stat((etc + "/hostname").c_str(), &info));
     EXPECT_EQ(0644u, info.st_mode & 0777u);
 }
@@ -166,9 +168,10 @@ TEST_F(SysconfigSetSysnameTest, OneCharacterNameIsAccepted)
 TEST_F(SysconfigSetSysnameTest, MissingRecordAnswers0)
 {
     testing::internal::CaptureStdout();
-    std::string report =
-        isolated(Etc::Directory, []() { return std::to_string(sysconfig_set_sysname(caller, nullptr)); });
-    EXPECT_EQ("[NOT] sysconfig_set_sysname: not a host name\n", testing::internal::GetCapturedStdout());
+    std::string report = isolated(
+        Etc::Directory, []() { return std::to_string(sysconfig_set_sysname(caller, nullptr)); });
+    EXPECT_EQ("[NOT] sysconfig_set_sysname: not a host name\n",
+              testing::internal::GetCapturedStdout());
     EXPECT_EQ("0", report);
 }
 
@@ -183,7 +186,9 @@ TEST_F(SysconfigSetSysnameTest, ReadOnlyEtcAnswers0WithReason)
 {
     auto [report, output] = setCapturing("station-7", Etc::ReadOnly);
     EXPECT_EQ("0 station-7", report);
-    EXPECT_EQ("[ERR] sysconfig_set_sysname: creating a temporary file in /etc failed: Read-only file system\n", output);
+    EXPECT_EQ("[ERR] sysconfig_set_sysname: creating a temporary file in /etc failed: Read-only "
+              "file system\n",
+              output);
     EXPECT_EQ("old-name\n", readFile(etc + "/hostname"));
 }
 
@@ -202,11 +207,12 @@ TEST_F(SysconfigSetSysnameTest, RefusedSethostnameAnswers0WithReason)
 
 struct InvalidName
 {
-    const char *name;
+    const char* name;
     std::string text;
 };
 
-class SysconfigSetSysnameInvalidTest : public SysconfigSetSysnameTest, public testing::WithParamInterface<InvalidName>
+class SysconfigSetSysnameInvalidTest : public SysconfigSetSysnameTest,
+                                       public testing::WithParamInterface<InvalidName>
 {
 };
 
@@ -221,9 +227,12 @@ TEST_P(SysconfigSetSysnameInvalidTest, InvalidNameAnswers0AndChangesNothing)
 
 INSTANTIATE_TEST_SUITE_P(
     Names, SysconfigSetSysnameInvalidTest,
-    testing::Values(InvalidName{"Empty", ""}, InvalidName{"SixtyFourCharacters", std::string(64, 'a')},
-                    InvalidName{"LeadingHyphen", "-station"}, InvalidName{"TrailingHyphen", "station-"},
+    testing::Values(InvalidName{"Empty", ""},
+                    InvalidName{"SixtyFourCharacters", std::string(64, 'a')},
+                    InvalidName{"LeadingHyphen", "-station"},
+                    InvalidName{"TrailingHyphen", "station-"},
                     InvalidName{"Underscore", "sta_tion"}, InvalidName{"Dot", "station.local"},
                     InvalidName{"Blank", "sta tion"}, InvalidName{"NonAscii", "st\xc3\xa4tion"},
-                    InvalidName{"EmbeddedNul", std::string("sta\0tion", 8)}, InvalidName{"Newline", "station\n"}),
-    [](const testing::TestParamInfo<InvalidName> &info) { return std::string(info.param.name); });
+                    InvalidName{"EmbeddedNul", std::string("sta\0tion", 8)},
+                    InvalidName{"Newline", "station\n"}),
+    [](const testing::TestParamInfo<InvalidName>& info) { return std::string(info.param.name); });

@@ -14,7 +14,9 @@ int privateSet()
 
 bool setExists(int semid)
 {
-    struct semid_ds state {};
+    struct semid_ds state
+    {
+    };
     return semctl(semid, 0, IPC_STAT, &state) == 0;
 }
 
@@ -47,10 +49,7 @@ void enterPrivateIpc()
 class PlixDaemonTest : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        GTEST_FLAG_SET(death_test_style, "fast");
-    }
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "fast"); }
 };
 
 TEST_F(PlixDaemonTest, SemaphoreStepCarriesTheUndoFlag)

@@ -43,10 +43,7 @@ protected:
         rmdir(directory.c_str());
     }
 
-    std::string ownId() const
-    {
-        return std::to_string(getpid()) + "\n";
-    }
+    std::string ownId() const { return std::to_string(getpid()) + "\n"; }
 
     std::string directory;
     std::string path;
@@ -64,7 +61,9 @@ TEST_F(PlixPidFileTest, LockFileHasMode0600)
 {
     fd = checkPidFileIn(directory, serviceName);
     ASSERT_GE(fd, 0);
-    struct stat status {};
+    struct stat status
+    {
+    };
     ASSERT_EQ(stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0600u);
 }

@@ -18,15 +18,16 @@ unsigned validateChoice(bool disconnect, bool shared, bool refuse)
 void expectFatalWithoutMember(const std::string& member)
 {
     PlixTestDataSet dataSet;
-    for (const char* name : {"disconnectexistconnections", "sharedsessions", "refuseconcurrentconnections"}) {
+    for (const char* name :
+         {"disconnectexistconnections", "sharedsessions", "refuseconcurrentconnections"}) {
         if (name != member) {
             dataSet.add(name, PlixVariant(false));
         }
     }
     PlixConnectionpriorityValidator validator(dataSet.get());
     EXPECT_EXIT((sendStdoutToStderr(), validator.validate()), testing::ExitedWithCode(16),
-                testing::Eq("[ERR] Critical exception in PlixTolvarixPasswordValidator::validate " + member
-                            + " Read: map::at\n"));
+                testing::Eq("[ERR] Critical exception in PlixTolvarixPasswordValidator::validate " +
+                            member + " Read: map::at\n"));
 }
 
 } // namespace
@@ -60,7 +61,8 @@ TEST(PlixConnectionpriorityValidator, AllThreeOptionsChosenGive207)
     EXPECT_EQ(validateChoice(true, true, true), 207u);
 }
 
-TEST(PlixConnectionpriorityValidatorDeathTest, MissingDisconnectExistConnectionsEndsTheProcessWith16)
+TEST(PlixConnectionpriorityValidatorDeathTest,
+     MissingDisconnectExistConnectionsEndsTheProcessWith16)
 {
     expectFatalWithoutMember("disconnectexistconnections");
 }
@@ -70,7 +72,8 @@ TEST(PlixConnectionpriorityValidatorDeathTest, MissingSharedSessionsEndsTheProce
     expectFatalWithoutMember("sharedsessions");
 }
 
-TEST(PlixConnectionpriorityValidatorDeathTest, MissingRefuseConcurrentConnectionsEndsTheProcessWith16)
+TEST(PlixConnectionpriorityValidatorDeathTest,
+     MissingRefuseConcurrentConnectionsEndsTheProcessWith16)
 {
     expectFatalWithoutMember("refuseconcurrentconnections");
 }

@@ -23,9 +23,10 @@ void expectFatalWithoutMember(const std::string& member)
     PlixTestDataSet dataSet;
     addPortsExcept(dataSet, member);
     PlixDataSetPortValidator validator(dataSet.get());
-    EXPECT_EXIT((sendStdoutToStderr(), validator.validate()), testing::ExitedWithCode(16),
-                testing::Eq("[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::validate " + member
-                            + " Read: map::at\n"));
+    EXPECT_EXIT(
+        (sendStdoutToStderr(), validator.validate()), testing::ExitedWithCode(16),
+        testing::Eq("[ERR] Critical exception in PlixDataSetOnChangeSysconfigNetwork::validate " +
+                    member + " Read: map::at\n"));
 }
 
 unsigned validatePorts(int mainPort, int displayPort, int httpPort)

@@ -47,7 +47,8 @@ TEST_F(PlixMinMaxValidatorTest, RejectionLogsTheShortNameAndBoundsAsNotice)
     port.setWantedSetValue(PlixVariant(11));
     CaptureStdout();
     validator.validate();
-    EXPECT_EQ(GetCapturedStdout(), "[NOT] Validation failed: value for port not beetween 1 and 10!\n");
+    EXPECT_EQ(GetCapturedStdout(),
+              "[NOT] Validation failed: value for port not beetween 1 and 10!\n");
 }
 
 TEST_F(PlixMinMaxValidatorTest, AcceptedValueLogsNothing)

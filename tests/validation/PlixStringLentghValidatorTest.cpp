@@ -52,7 +52,9 @@ TEST_F(PlixStringLentghValidatorTest, StringLengthCountsBytes)
 {
     validator.setMinStringLentgh(3);
     validator.setMaxStringLentgh(3);
-    EXPECT_EQ(judge(PlixVariant("\xC3\xA4" "b")), 0u);
+    EXPECT_EQ(judge(PlixVariant("\xC3\xA4"
+                                "b")),
+              0u);
 }
 
 TEST_F(PlixStringLentghValidatorTest, IntBoolAndDoubleGive204WhateverTheBounds)

@@ -16,7 +16,8 @@ struct PasswordPolicy
 };
 
 // The members in the order the validator reads them; leftOut is not added.
-void addMembers(PlixTestDataSet& dataSet, const PasswordPolicy& policy, const std::string& leftOut = "")
+void addMembers(PlixTestDataSet& dataSet, const PasswordPolicy& policy,
+                const std::string& leftOut = "")
 {
     const std::pair<const char*, PlixVariant> members[] = {
         {"emptypasswords", PlixVariant(policy.emptyAllowed)},
@@ -44,7 +45,8 @@ void expectFatalWithoutMember(const std::string& member, const std::string& line
     PlixTestDataSet dataSet;
     addMembers(dataSet, PasswordPolicy(), member);
     PlixTolvarixPasswordValidator validator(dataSet.get());
-    EXPECT_EXIT((sendStdoutToStderr(), validator.validate()), testing::ExitedWithCode(16), testing::Eq(line));
+    EXPECT_EXIT((sendStdoutToStderr(), validator.validate()), testing::ExitedWithCode(16),
+                testing::Eq(line));
 }
 
 } // namespace
@@ -101,29 +103,34 @@ TEST(PlixTolvarixPasswordValidator, EmptyPasswordsAllowedAcceptsAllThreeEmptyAnd
 TEST(PlixTolvarixPasswordValidatorDeathTest, MissingEmptyPasswordsEndsTheProcessWith16)
 {
     expectFatalWithoutMember("emptypasswords",
-        "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate emptypasswords Read: map::at\n");
+                             "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate "
+                             "emptypasswords Read: map::at\n");
 }
 
 TEST(PlixTolvarixPasswordValidatorDeathTest, MissingSecondAccessPasswordReportsTheFirstOnesLine)
 {
     expectFatalWithoutMember("accesscontrolPassword2",
-        "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate accesscontrolPassword1 Read: map::at\n");
+                             "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate "
+                             "accesscontrolPassword1 Read: map::at\n");
 }
 
 TEST(PlixTolvarixPasswordValidatorDeathTest, MissingFirstAccessPasswordEndsTheProcessWith16)
 {
     expectFatalWithoutMember("accesscontrolPassword1",
-        "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate accesscontrolPassword1 Read: map::at\n");
+                             "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate "
+                             "accesscontrolPassword1 Read: map::at\n");
 }
 
 TEST(PlixTolvarixPasswordValidatorDeathTest, MissingForcedWritePasswordEndsTheProcessWith16)
 {
     expectFatalWithoutMember("forcedwriteaccessPassword",
-        "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate forcedwriteaccessPassword Read: map::at\n");
+                             "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate "
+                             "forcedwriteaccessPassword Read: map::at\n");
 }
 
 TEST(PlixTolvarixPasswordValidatorDeathTest, MissingEnablePasswordReportsItInLowerCase)
 {
     expectFatalWithoutMember("enablePassword",
-        "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate enablepassword Read: map::at\n");
+                             "[ERR] Critical exception in PlixTolvarixPasswordValidator::validate "
+                             "enablepassword Read: map::at\n");
 }
