@@ -5,14 +5,13 @@
 
 namespace {
 const char* const adaptorPath = "/plix";
-const char* const adaptorInterface = "com.orvanta.plix.dBusAdaptor";
 // Long enough for a 100,000-value start-up, short enough to end a hung run.
 const int callTimeoutMs = 120000;
 
 struct PendingReplies
 {
     std::vector<int> statuses;
-    std::vector<const char*> methods;
+    std::vector<PlixBenchCall> calls;
     std::size_t left = 0;
     GDBusConnection* connection = nullptr;
 };
@@ -36,10 +35,9 @@ void collectReply(GObject*, GAsyncResult* result, gpointer data)
     GError* error = nullptr;
     GVariant* reply = g_dbus_connection_call_finish(replies->connection, result, &error);
     if (reply == nullptr) {
-        reportError(replies->methods[slot->index], error);
+        reportError(replies->calls[slot->index].method, error);
     } else {
-        replies->statuses[slot->index] =
-            PlixBenchBus::statusOf(replies->methods[slot->index], reply);
+        replies->statuses[slot->index] = PlixBenchBus::statusOf(replies->calls[slot->index], reply);
         g_variant_unref(reply);
     }
     --replies->left;
@@ -70,11 +68,13 @@ PlixBenchBus::~PlixBenchBus()
     }
 }
 
-// The plain getters answer (value, status), every other method (status...).
-int PlixBenchBus::statusOf(const char* method, GVariant* reply)
+// The plain getters of the configuration interface answer (value, status),
+// every other method (status...).
+int PlixBenchBus::statusOf(const PlixBenchCall& call, GVariant* reply)
 {
-    const bool plainGetter =
-        std::strncmp(method, "Get", 3) == 0 && std::strstr(method, "Transient") == nullptr;
+    const bool plainGetter = std::strcmp(call.interface, PlixBenchCall::adaptor) == 0 &&
+                             std::strncmp(call.method, "Get", 3) == 0 &&
+                             std::strstr(call.method, "Transient") == nullptr;
     GVariant* status = g_variant_get_child_value(reply, plainGetter ? 1 : 0);
     const int code = g_variant_get_int32(status);
     g_variant_unref(status);
@@ -86,13 +86,13 @@ int PlixBenchBus::call(const std::string& destination, const PlixBenchCall& call
     int status = busError;
     GError* error = nullptr;
     GVariant* reply = g_dbus_connection_call_sync(
-        connection, destination.c_str(), adaptorPath, adaptorInterface, call.method, call.arguments,
+        connection, destination.c_str(), adaptorPath, call.interface, call.method, call.arguments,
         nullptr, G_DBUS_CALL_FLAGS_NONE, callTimeoutMs, nullptr, &error);
     if (reply == nullptr) {
         reportError(call.method, error);
         return status;
     }
-    status = statusOf(call.method, reply);
+    status = statusOf(call, reply);
     g_variant_unref(reply);
     return status;
 }
@@ -102,13 +102,13 @@ bool PlixBenchBus::callWhenOwned(const std::string& destination, const PlixBench
 {
     GError* error = nullptr;
     GVariant* reply = g_dbus_connection_call_sync(
-        connection, destination.c_str(), adaptorPath, adaptorInterface, call.method, call.arguments,
+        connection, destination.c_str(), adaptorPath, call.interface, call.method, call.arguments,
         nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, callTimeoutMs, nullptr, &error);
     if (reply == nullptr) {
         g_error_free(error);
         return false;
     }
-    status = statusOf(call.method, reply);
+    status = statusOf(call, reply);
     g_variant_unref(reply);
     return true;
 }
@@ -134,10 +134,10 @@ std::vector<int> PlixBenchBus::pipeline(const std::string& destination,
     // else of the process runs while they are awaited.
     GMainContext* context = g_main_context_new();
     g_main_context_push_thread_default(context);
-    PendingReplies replies{std::vector<int>(calls.size(), busError), {}, calls.size(), connection};
+    PendingReplies replies{std::vector<int>(calls.size(), busError), calls, calls.size(),
+                           connection};
     for (std::size_t index = 0; index < calls.size(); ++index) {
-        replies.methods.push_back(calls[index].method);
-        g_dbus_connection_call(connection, destination.c_str(), adaptorPath, adaptorInterface,
+        g_dbus_connection_call(connection, destination.c_str(), adaptorPath, calls[index].interface,
                                calls[index].method, calls[index].arguments, nullptr,
                                G_DBUS_CALL_FLAGS_NONE, callTimeoutMs, nullptr, collectReply,
                                new PendingSlot{&replies, index});

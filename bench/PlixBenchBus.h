@@ -5,17 +5,22 @@
 #include <string>
 #include <vector>
 
-// One call of the configuration interface: method name and its arguments
-// (a floating GVariant tuple, or nullptr for none).
+// One call at /plix: method name, its arguments (a floating GVariant tuple,
+// or nullptr for none) and its interface, the configuration interface
+// unless named.
 struct PlixBenchCall
 {
+    static constexpr const char* adaptor = "com.orvanta.plix.dBusAdaptor";
+    static constexpr const char* monitor = "com.orvanta.plix.Monitor";
+
     const char* method;
     GVariant* arguments;
+    const char* interface = adaptor;
 };
 
 // A private client connection to the system bus (DBUS_SYSTEM_BUS_ADDRESS)
-// that calls the configuration interface at /plix of a given name and hands
-// back the status code of each reply. A bus error is reported on standard
+// that calls the configuration or the monitor interface at /plix of a given
+// name and hands back the status code of each reply. A bus error is reported on standard
 // error and given as the status -1.
 class PlixBenchBus
 {
@@ -38,7 +43,7 @@ public:
     // owns it, true once a reply came (status 0 or not).
     bool callWhenOwned(const std::string& destination, const PlixBenchCall& call, int& status);
 
-    static int statusOf(const char* method, GVariant* reply);
+    static int statusOf(const PlixBenchCall& call, GVariant* reply);
 
 private:
     GDBusConnection* connection = nullptr;

@@ -95,6 +95,16 @@ std::vector<std::string> PlixBenchConfig::intIds(int count)
     return ids;
 }
 
+std::vector<std::string> PlixBenchConfig::mixedIds(int count)
+{
+    std::vector<std::string> ids;
+    for (int index = 0; index < count; ++index) {
+        const int set = 1 + index / valuesPerDataSet;
+        ids.push_back("ds" + std::to_string(set) + "/v" + std::to_string(index % valuesPerDataSet));
+    }
+    return ids;
+}
+
 bool PlixBenchConfig::write(const std::vector<int>& fileSizes)
 {
     std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plix>\n";

@@ -29,6 +29,10 @@ public:
     // configuration must have count / 5 data sets. Every value from 0 to
     // 999 passes their validators.
     static std::vector<std::string> intIds(int count);
+    // The XML-IDs of the first count values from ds1 on, all four types in
+    // turn and never the password; the configuration must have
+    // count / 20 + 2 data sets.
+    static std::vector<std::string> mixedIds(int count);
 
     static std::vector<int> splitIntoFiles(int values);
     static const char* passwordPlainText() { return "bench-secret"; }

@@ -9,6 +9,8 @@
 namespace {
 const char* const transientId = "ds0/v0";
 const char* const passwordId = "ds0/v1";
+// Values read in one batch: as many as a front end's page shows.
+const int batchSize = 50;
 
 GVariant* idAndInt(const std::string& id, int value)
 {
@@ -134,9 +136,69 @@ bool PlixBenchLatency::transaction(const std::string& destination, bool persiste
     return true;
 }
 
+bool PlixBenchLatency::getEach(const std::string& destination, int calls)
+{
+    for (int call = 0; call < calls; ++call) {
+        if (!expect(destination, {"GetIntValueTransient", idOnly(transientId)})) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool PlixBenchLatency::getValues(const std::string& destination,
+                                 const std::vector<const char*>& ids)
+{
+    GVariant* list = g_variant_new_strv(ids.data(), static_cast<gssize>(ids.size()));
+    return expect(destination, {"GetValues", g_variant_new("(@as)", list), PlixBenchCall::monitor});
+}
+
+bool PlixBenchLatency::apply(const std::string& destination, const std::vector<std::string>& ids,
+                             int i)
+{
+    GVariantBuilder changes;
+    g_variant_builder_init(&changes, G_VARIANT_TYPE("a{sv}"));
+    for (const std::string& id : ids) {
+        g_variant_builder_add(&changes, "{sv}", id.c_str(), g_variant_new_int32(valueFor(i)));
+    }
+    return expect(destination,
+                  {"Apply", g_variant_new("(a{sv}b)", &changes, TRUE), PlixBenchCall::monitor});
+}
+
 bool PlixBenchLatency::runCalls()
 {
+    return runSingleCalls() && runBatches();
+}
+
+bool PlixBenchLatency::runBatches()
+{
     const std::vector<std::string> tenInts = PlixBenchConfig::intIds(10);
+    const std::vector<std::string> fifty = PlixBenchConfig::mixedIds(batchSize);
+    std::vector<const char*> fiftyIds;
+    for (const std::string& id : fifty) {
+        fiftyIds.push_back(id.c_str());
+    }
+    return measureTransactions("transaction start+10 sets+stop (sequential)",
+                               [this, &tenInts](const std::string& d, int i) {
+                                   return transaction(d, true, tenInts, i, false);
+                               }) &&
+           measureTransactions("transaction start+10 sets+stop (pipelined)",
+                               [this, &tenInts](const std::string& d, int i) {
+                                   return transaction(d, true, tenInts, i, true);
+                               }) &&
+           measureTransactions(
+               "Apply of 10 values (persistent)",
+               [this, &tenInts](const std::string& d, int i) { return apply(d, tenInts, i); }) &&
+           measureTransactions(
+               "50 GetIntValueTransient (sequential)",
+               [this](const std::string& d, int) { return getEach(d, batchSize); }) &&
+           measureTransactions(
+               "GetValues of 50 values",
+               [this, &fiftyIds](const std::string& d, int) { return getValues(d, fiftyIds); });
+}
+
+bool PlixBenchLatency::runSingleCalls()
+{
     const char* plain = PlixBenchConfig::passwordPlainText();
     return measure("Peer.Ping", [this](const std::string& d, int) { return bus.ping(d); }) &&
            measure("GetIntValueTransient",
@@ -167,15 +229,7 @@ bool PlixBenchLatency::runCalls()
                    return expect(d, {"Verify", g_variant_new("(vs)", g_variant_new_string(plain),
                                                              passwordId)});
                },
-               startTransaction(), stopTransaction()) &&
-           measureTransactions("transaction start+10 sets+stop (sequential)",
-                               [this, &tenInts](const std::string& d, int i) {
-                                   return transaction(d, true, tenInts, i, false);
-                               }) &&
-           measureTransactions("transaction start+10 sets+stop (pipelined)",
-                               [this, &tenInts](const std::string& d, int i) {
-                                   return transaction(d, true, tenInts, i, true);
-                               });
+               startTransaction(), stopTransaction());
 }
 
 bool PlixBenchLatency::runCommits(const std::vector<std::string>& ids,

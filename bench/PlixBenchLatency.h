@@ -16,7 +16,9 @@ public:
     PlixBenchLatency(std::string service, std::string floor, long values, int count);
 
     // Ping, transient get and set, get, set and verify inside a transaction,
-    // and a persistent transaction of ten sets, sequential and pipelined.
+    // a persistent transaction of ten sets, sequential, pipelined and as one
+    // Apply of the monitor interface, and a read of fifty values, as fifty
+    // transient gets and as one GetValues.
     bool runCalls();
     // A persistent and a non-persistent transaction of one set on the first
     // int of each file; sizes name the files' number of values.
@@ -30,14 +32,19 @@ private:
 
     bool measure(const std::string& figure, const Operation& operation, const Frame& open = nullptr,
                  const Frame& close = nullptr);
-    // A figure of whole transactions, which rewrite a store file each: a
-    // tenth of the repetitions.
+    bool runSingleCalls();
+    bool runBatches();
+    // A figure of whole transactions, which rewrite a store file each, or of
+    // batches of calls: a tenth of the repetitions.
     bool measureTransactions(const std::string& figure, const Operation& operation);
     bool time(const std::string& destination, const Operation& operation, const Frame& open,
               const Frame& close, std::vector<double>& out);
     bool expect(const std::string& destination, const PlixBenchCall& call, int allowed = 0);
     bool transaction(const std::string& destination, bool persistent,
                      const std::vector<std::string>& ids, int i, bool pipelined);
+    bool getEach(const std::string& destination, int calls);
+    bool getValues(const std::string& destination, const std::vector<const char*>& ids);
+    bool apply(const std::string& destination, const std::vector<std::string>& ids, int i);
     Frame startTransaction();
     Frame stopTransaction();
 

@@ -1,7 +1,7 @@
 // The floor of the bus benchmarks: a do-nothing program that owns a name,
-// exports the configuration interface at /plix from the same interface
-// description as the service, and answers every call with constants (zero
-// status, zero or empty values) from its main loop. What the service costs
+// exports the configuration and the monitor interface at /plix from the same
+// interface descriptions as the service, and answers every call with
+// constants (zero status, zero or empty values) from its main loop. What the service costs
 // beyond this is the cost of its own work.
 //
 //   floor_service [NAME]     (default com.orvanta.plix.floor)
@@ -11,11 +11,11 @@
 #include <cstdio>
 
 namespace {
-GDBusNodeInfo* interfaceDescription()
+GDBusNodeInfo* interfaceDescription(const char* path)
 {
     gchar* text = nullptr;
     GError* error = nullptr;
-    if (!g_file_get_contents(PLIX_ADAPTOR_XML, &text, nullptr, &error)) {
+    if (!g_file_get_contents(path, &text, nullptr, &error)) {
         std::fprintf(stderr, "floor_service: %s\n", error->message);
         return nullptr;
     }
@@ -37,6 +37,8 @@ GVariant* zeroOf(const char* signature)
         return g_variant_new_double(0.0);
     case 's':
         return g_variant_new_string("");
+    case 'a':
+        return g_variant_new_array(g_variant_type_element(G_VARIANT_TYPE(signature)), nullptr, 0);
     default:
         return g_variant_new_int32(0);
     }
@@ -56,14 +58,15 @@ void answerConstant(GDBusConnection*, const gchar*, const gchar*, const gchar*, 
 
 const GDBusInterfaceVTable constantAnswers = {answerConstant, nullptr, nullptr, {nullptr}};
 
-void exportAdaptor(GDBusConnection* connection, const gchar*, gpointer node)
+bool exportInterface(GDBusConnection* connection, GDBusNodeInfo* node)
 {
     GError* error = nullptr;
-    GDBusInterfaceInfo* adaptor = static_cast<GDBusNodeInfo*>(node)->interfaces[0];
-    if (g_dbus_connection_register_object(connection, "/plix", adaptor, &constantAnswers, nullptr,
-                                          nullptr, &error) == 0) {
+    if (g_dbus_connection_register_object(connection, "/plix", node->interfaces[0],
+                                          &constantAnswers, nullptr, nullptr, &error) == 0) {
         std::fprintf(stderr, "floor_service: %s\n", error->message);
+        return false;
     }
+    return true;
 }
 
 void nameLost(GDBusConnection*, const gchar* name, gpointer loop)
@@ -75,8 +78,9 @@ void nameLost(GDBusConnection*, const gchar* name, gpointer loop)
 
 int main(int argc, char** argv)
 {
-    GDBusNodeInfo* node = interfaceDescription();
-    if (node == nullptr) {
+    GDBusNodeInfo* adaptor = interfaceDescription(PLIX_ADAPTOR_XML);
+    GDBusNodeInfo* monitor = interfaceDescription(PLIX_MONITOR_XML);
+    if (adaptor == nullptr || monitor == nullptr) {
         return 1;
     }
     GMainLoop* loop = g_main_loop_new(nullptr, FALSE);
@@ -88,7 +92,9 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "floor_service: no system bus\n");
         return 1;
     }
-    exportAdaptor(connection, name, node);
+    if (!exportInterface(connection, adaptor) || !exportInterface(connection, monitor)) {
+        return 1;
+    }
     g_bus_own_name_on_connection(connection, name, G_BUS_NAME_OWNER_FLAGS_NONE, nullptr, nameLost,
                                  loop, nullptr);
     g_main_loop_run(loop);

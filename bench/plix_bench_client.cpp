@@ -6,12 +6,16 @@
 //   plix_bench_client latency SERVICE FLOOR VALUES COUNT
 //   plix_bench_client commits SERVICE FLOOR COUNT ID:SIZE...
 //   plix_bench_client throughput SERVICE FLOOR VALUES SECONDS CONNECTIONS...
+//   plix_bench_client dconf COUNT
+//       durable ten-key writes to the desktop settings store's writer on
+//       the session bus (DBUS_SESSION_BUS_ADDRESS), against its Peer.Ping
 //   plix_bench_client ready NAME SINCE TIMEOUT
 //       waits until NAME answers GetIntValueTransient at /plix with status
 //       0; prints the milliseconds since SINCE (seconds since the epoch, as
 //       bash's EPOCHREALTIME gives them)
 
 #include "PlixBenchBus.h"
+#include "PlixBenchDconf.h"
 #include "PlixBenchLatency.h"
 #include "PlixBenchStats.h"
 
@@ -31,6 +35,7 @@ int usage()
                  "usage: plix_bench_client latency SERVICE FLOOR VALUES COUNT\n"
                  "       plix_bench_client commits SERVICE FLOOR COUNT ID:SIZE...\n"
                  "       plix_bench_client throughput SERVICE FLOOR VALUES SECONDS CONNECTIONS...\n"
+                 "       plix_bench_client dconf COUNT\n"
                  "       plix_bench_client ready NAME SINCE TIMEOUT\n");
     return 2;
 }
@@ -140,6 +145,10 @@ int main(int argc, char** argv)
     }
     if (mode == "throughput" && argc >= 7) {
         return runThroughput(argc, argv);
+    }
+    if (mode == "dconf" && argc == 3) {
+        PlixBenchDconf dconf;
+        return dconf.run(std::atoi(argv[2])) ? 0 : 1;
     }
     if (mode == "ready" && argc == 5) {
         return runReady(argv);

@@ -9,9 +9,10 @@
 # the machine's lock directory replaced by a temporary one, starts a private
 # bus, the floor service and the service with generated configurations of
 # 100 to 100,000 values and measures call latency, throughput, start-up,
-# commit cost and memory, each against its floor. Prints the table, writes
-# build-bench/bench.csv, build-bench/bench.png and build-bench/engine_bench.csv
-# (the in-process benchmarks of the engine).
+# commit cost and memory, each against its floor, and, for comparison, a
+# durable ten-key write to dconf-service on a private session bus. Prints
+# the table, writes build-bench/bench.csv, build-bench/bench.png and
+# build-bench/engine_bench.csv (the in-process benchmarks of the engine).
 set -euo pipefail
 export LC_ALL=C
 
@@ -29,7 +30,7 @@ outer()
         echo "bench.sh: run as root (it uses private namespaces and a bind mount)" >&2
         exit 1
     fi
-    "$root/scripts/install-deps.sh" gnuplot-nox libbenchmark-dev
+    "$root/scripts/install-deps.sh" gnuplot-nox libbenchmark-dev dconf-service
     cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DPLIX_BENCH=ON \
         -DPLIX_BUILD_TESTS=OFF >/dev/null
     cmake --build "$build" -j2 --target dbus-ex-plix plix_bench_gen plix_bench_client \
@@ -207,6 +208,26 @@ measure_commits()
     stop_process "$service_pid"
 }
 
+# The desktop settings store's writer on a session bus of its own, with its
+# files in the run directory (also for a copy the bus would start itself).
+measure_dconf()
+{
+    mkdir -p "$run/dconf/config" "$run/dconf/runtime"
+    chmod 700 "$run/dconf/runtime"
+    export XDG_CONFIG_HOME=$run/dconf/config XDG_RUNTIME_DIR=$run/dconf/runtime
+    launch session-bus dbus-daemon --session --address="unix:path=$run/session-bus" --nofork \
+        --print-address=3 3>"$run/session-bus.address"
+    wait_for_file "$run/session-bus.address"
+    export DBUS_SESSION_BUS_ADDRESS="unix:path=$run/session-bus"
+    launch dconf /usr/libexec/dconf-service
+    for _ in $(seq 100); do
+        gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
+            --method org.freedesktop.DBus.NameHasOwner ca.desrt.dconf | grep -q true && break
+        sleep 0.1
+    done
+    client dconf 200 >>"$csv"
+}
+
 print_table()
 {
     echo
@@ -232,6 +253,8 @@ inside()
     done
     echo "bench.sh: commits"
     measure_commits
+    echo "bench.sh: dconf for comparison"
+    measure_dconf
     gnuplot -e "data='$run/points'; output='$build/bench.png'" "$root/bench/plot.gp"
     print_table
     echo
