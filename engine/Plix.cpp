@@ -104,6 +104,20 @@ bool Plix::isHolder(const std::string& caller) const
     return transactionOpen() && caller == client;
 }
 
+int Plix::refuseNonHolder(const std::string& caller, int otherClientCode) const
+{
+    if (!transactionOpen()) {
+        plixLog(LOG_WARNING, "No transaction with plix active");
+        return 4;
+    }
+    if (caller != client) {
+        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s",
+                client.c_str());
+        return otherClientCode;
+    }
+    return 0;
+}
+
 int Plix::transactionStart(std::string client, bool persistent)
 {
     plixLog(LOG_NOTICE, "transactionStart client: %s persistent: %s", client.c_str(),
@@ -197,14 +211,8 @@ void Plix::triggerOnChange()
 
 int Plix::getvalue_template(std::string client, std::string xml_id, PlixVariant& out)
 {
-    if (!transactionOpen()) {
-        plixLog(LOG_WARNING, "No transaction with plix active");
-        return 4;
-    }
-    if (client != this->client) {
-        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s",
-                this->client.c_str());
-        return 4;
+    if (const int refused = refuseNonHolder(client, 4)) {
+        return refused;
     }
     const auto entry = values.find(xml_id);
     if (entry == values.end()) {
@@ -327,14 +335,8 @@ std::vector<PlixValueListing::Entry> Plix::listValues() const
 
 int Plix::verify_template(std::string client, std::string xml_id, PlixVariant value)
 {
-    if (!transactionOpen()) {
-        plixLog(LOG_WARNING, "No transaction with plix active");
-        return 4;
-    }
-    if (client != this->client) {
-        plixLog(LOG_WARNING, "Plix is currently busy with another transaction with client %s",
-                this->client.c_str());
-        return 8;
+    if (const int refused = refuseNonHolder(client, 8)) {
+        return refused;
     }
     const auto entry = values.find(xml_id);
     if (entry == values.end()) {

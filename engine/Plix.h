@@ -76,6 +76,9 @@ public:
 private:
     bool transactionOpen() const;
     bool isHolder(const std::string& caller) const;
+    // The check of transactional reads and verify: 0 for the holder, else 4
+    // with no transaction open and otherClientCode for another client.
+    int refuseNonHolder(const std::string& caller, int otherClientCode) const;
     void readValuesFromJson();
 
     template <typename T>
