@@ -5,28 +5,9 @@
 #include "PlixLog.h"
 #include "PlixMonitorValues.h"
 
-#include <unordered_map>
-
 namespace {
 // The engine's answer for a value asked for or offered as another type.
 constexpr int wrongTypeStatus = 11;
-
-std::unordered_map<std::string, int> dataTypesById()
-{
-    std::unordered_map<std::string, int> types;
-    for (const auto& entry : Plix::getInstance()->listValues()) {
-        types.emplace(entry.xmlId, entry.dataType);
-    }
-    return types;
-}
-
-// The data type of an undeclared XML-ID does not matter: every transient
-// read of it answers 9.
-int dataTypeOf(const std::unordered_map<std::string, int>& types, const std::string& xml_id)
-{
-    const auto found = types.find(xml_id);
-    return found != types.end() ? found->second : PlixVariant::NONE;
-}
 } // namespace
 
 PlixMonitorInterface* PlixMonitorInterface::instance = nullptr;
@@ -93,14 +74,14 @@ gboolean PlixMonitorInterface::getValues(PlixMonitor* skeleton, GDBusMethodInvoc
                                          const gchar* const* ids)
 {
     const std::string client = DBusInterface::clientOf(invocation);
-    const auto types = dataTypesById();
+    Plix& engine = *Plix::getInstance();
     GVariantBuilder values;
     g_variant_builder_init(&values, G_VARIANT_TYPE_VARDICT);
     int status = 0;
     for (std::size_t i = 0; status == 0 && ids[i] != nullptr; ++i) {
         GVariant* value = nullptr;
-        status = PlixMonitorValues::readTransient(*Plix::getInstance(), client, ids[i],
-                                                  dataTypeOf(types, ids[i]), &value);
+        status = PlixMonitorValues::readTransient(engine, client, ids[i], engine.dataTypeOf(ids[i]),
+                                                  &value);
         if (status == 0) {
             g_variant_builder_add(&values, "{sv}", ids[i], value);
         }

@@ -333,6 +333,12 @@ std::vector<PlixValueListing::Entry> Plix::listValues() const
     return PlixValueListing::of(dataSets);
 }
 
+int Plix::dataTypeOf(const std::string& xml_id) const
+{
+    const auto entry = values.find(xml_id);
+    return entry == values.end() ? PlixVariant::NONE : entry->second.getValuePtr()->getDataType();
+}
+
 int Plix::verify_template(std::string client, std::string xml_id, PlixVariant value)
 {
     if (const int refused = refuseNonHolder(client, 8)) {

@@ -72,6 +72,9 @@ public:
 
     void setChangeObserver(ChangeObserver observer);
     std::vector<PlixValueListing::Entry> listValues() const;
+    // The data-type number of the value's current content; NONE for an
+    // XML-ID that is not declared.
+    int dataTypeOf(const std::string& xml_id) const;
 
 private:
     bool transactionOpen() const;

@@ -70,3 +70,20 @@ TEST_F(PlixValueListingTest, RepeatedDeclarationIsListedOnce)
     configureWith({"-c", path("repeat.xml")});
     EXPECT_THAT(idsOf(engine->listValues()), ::testing::ElementsAre("a/i", "a/j"));
 }
+
+TEST_F(PlixValueListingTest, DataTypeOfNamesTheTypeOfTheCurrentContent)
+{
+    configureTestEngine();
+    EXPECT_EQ(engine->dataTypeOf("a/i"), PlixVariant::INT);
+    EXPECT_EQ(engine->dataTypeOf("a/d"), PlixVariant::DOUBLE);
+    EXPECT_EQ(engine->dataTypeOf("a/b"), PlixVariant::BOOL);
+    EXPECT_EQ(engine->dataTypeOf("a/pw"), PlixVariant::PASSWORD);
+    EXPECT_EQ(engine->dataTypeOf("fixed/serial"), PlixVariant::STRING);
+}
+
+TEST_F(PlixValueListingTest, DataTypeOfAnUndeclaredIdIsNone)
+{
+    configureTestEngine();
+    EXPECT_EQ(engine->dataTypeOf("a/missing"), PlixVariant::NONE);
+    EXPECT_EQ(engine->dataTypeOf(""), PlixVariant::NONE);
+}
