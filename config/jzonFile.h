@@ -42,7 +42,6 @@ private:
 
     Json* resolve(const std::string& jpath);
     bool readText(std::string& text) const;
-    bool syncDirectory() const;
 
     std::string path;
     Json document;
