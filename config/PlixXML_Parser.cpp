@@ -41,12 +41,22 @@ PlixXML_Parser::PlixXML_Parser(std::string path, std::string unused, ValueTable*
 {
     readFile();
     parse_XML();
+    releaseParseState();
     for (auto& file : files) {
         this->jsonModifier->add_panel_file(file.get());
     }
 }
 
 PlixXML_Parser::~PlixXML_Parser() = default;
+
+// The file's text and the jpath index serve the parse only; the model lives
+// for the whole run, they need not.
+void PlixXML_Parser::releaseParseState()
+{
+    std::string().swap(buffer);
+    std::string().swap(text);
+    std::unordered_map<std::string, PlixValue*>().swap(valuesByJPath);
+}
 
 void PlixXML_Parser::readFile()
 {

@@ -48,6 +48,7 @@ private:
     void endJPath();
     void endFile();
     void stopLoading(int status);
+    void releaseParseState();
 
     std::string path;
     std::string unused;

@@ -11,6 +11,9 @@
 
 #include <algorithm>
 #include <csignal>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -64,9 +67,19 @@ void Plix::configure(int argc, char** argv)
         configured = true;
     }
     readValuesFromJson();
+    releaseFreedMemory();
     if (triggerOnStart) {
         triggerOnChange();
     }
+}
+
+// Loading reads whole files into memory and frees them again; without a
+// trim those pages would stay with the idle service for its whole run.
+void Plix::releaseFreedMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
 }
 
 void Plix::print_usage()
