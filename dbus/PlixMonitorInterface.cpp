@@ -151,15 +151,31 @@ int PlixMonitorInterface::applyChanges(const std::string& client, GVariant* chan
     return engine.transactionStop(client);
 }
 
+// The signal leaves once the handler that caused it has sent its reply: the
+// caller then waits for its answer only, not for the bus to route the
+// signal first. Signals keep their order, and go before the next call is
+// served.
 void PlixMonitorInterface::valuesChanged(const std::vector<std::string>& xmlIds, bool persistent)
 {
     std::vector<const gchar*> ids;
-    ids.reserve(xmlIds.size() + 1);
+    ids.reserve(xmlIds.size());
     for (const std::string& id : xmlIds) {
         ids.push_back(id.c_str());
     }
-    ids.push_back(nullptr);
-    plix_monitor_emit_values_changed(PLIX_MONITOR(getAdaptor()), ids.data(), persistent);
+    GVariant* arguments = g_variant_ref_sink(g_variant_new(
+        "(@asb)", g_variant_new_strv(ids.data(), static_cast<gssize>(ids.size())), persistent));
+    g_idle_add_full(G_PRIORITY_HIGH, emitValuesChanged, arguments,
+                    [](gpointer data) { g_variant_unref(static_cast<GVariant*>(data)); });
+}
+
+gboolean PlixMonitorInterface::emitValuesChanged(gpointer arguments)
+{
+    const gchar** ids = nullptr;
+    gboolean persistent = FALSE;
+    g_variant_get(static_cast<GVariant*>(arguments), "(^a&sb)", &ids, &persistent);
+    plix_monitor_emit_values_changed(PLIX_MONITOR(getInstance()->getAdaptor()), ids, persistent);
+    g_free(ids);
+    return G_SOURCE_REMOVE;
 }
 
 gboolean PlixMonitorInterface::static_listValues(PlixMonitor* skeleton,

@@ -48,6 +48,7 @@ private:
     static int applyChanges(const std::string& client, GVariant* changes, bool persistent,
                             std::string& failedId);
     static bool allSettable(GVariant* changes, std::string& refusedId);
+    static gboolean emitValuesChanged(gpointer arguments);
 
     static PlixMonitorInterface* instance;
 };

@@ -2,9 +2,49 @@
 #include "PlixServingTest.h"
 #include "PlixSignalRecorder.h"
 
+#include <mutex>
+
 namespace {
 constexpr std::chrono::seconds kSignalBound{5};
 using Ids = std::vector<std::string>;
+
+// The kinds of the messages a connection receives, in the order they arrive
+// (recorded in the connection's own thread).
+class PlixArrivalOrder
+{
+public:
+    explicit PlixArrivalOrder(GDBusConnection* connection)
+        : mConnection(connection),
+          mFilter(g_dbus_connection_add_filter(connection, record, this, nullptr))
+    {
+    }
+    ~PlixArrivalOrder() { g_dbus_connection_remove_filter(mConnection, mFilter); }
+    PlixArrivalOrder(const PlixArrivalOrder&) = delete;
+    PlixArrivalOrder& operator=(const PlixArrivalOrder&) = delete;
+
+    std::vector<GDBusMessageType> kinds()
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mKinds;
+    }
+
+private:
+    static GDBusMessage* record(GDBusConnection*, GDBusMessage* message, gboolean incoming,
+                                gpointer self)
+    {
+        auto* order = static_cast<PlixArrivalOrder*>(self);
+        if (incoming) {
+            std::lock_guard<std::mutex> lock(order->mMutex);
+            order->mKinds.push_back(g_dbus_message_get_message_type(message));
+        }
+        return message;
+    }
+
+    GDBusConnection* mConnection;
+    guint mFilter;
+    std::mutex mMutex;
+    std::vector<GDBusMessageType> mKinds;
+};
 } // namespace
 
 // ValuesChanged as a second connection, one that changes nothing, sees it.
@@ -65,6 +105,16 @@ TEST_F(MonitorSignal, TransientSetSendsItsIdNotPersistent)
     ASSERT_TRUE(recorder().waitFor(1, kSignalBound));
     EXPECT_EQ(recorder().changes()[0].ids, Ids{"general/count"});
     EXPECT_FALSE(recorder().changes()[0].persistent);
+}
+
+TEST_F(MonitorSignal, CallerGetsItsReplyBeforeTheSignalOfItsChange)
+{
+    PlixSignalRecorder ownSignals(client());
+    PlixArrivalOrder order(client().connection());
+    ASSERT_EQ(client().setIntTransient("general/count", 7), 0);
+    ASSERT_TRUE(ownSignals.waitFor(1, kSignalBound));
+    EXPECT_EQ(order.kinds(), (std::vector<GDBusMessageType>{G_DBUS_MESSAGE_TYPE_METHOD_RETURN,
+                                                            G_DBUS_MESSAGE_TYPE_SIGNAL}));
 }
 
 TEST_F(MonitorSignal, ApplySendsOneSignalForItsCommit)
