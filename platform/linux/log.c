@@ -6,19 +6,9 @@
 #include <stdio.h>
 #include <syslog.h>
 
-static const char* tag_of(int priority)
-{
-    switch (priority) {
-    case LOG_ERR:
-        return "[ERR] ";
-    case LOG_INFO:
-        return "[NFO] ";
-    case LOG_DEBUG:
-        return "[DEB] ";
-    default:
-        return "[NOT] ";
-    }
-}
+/* The level tag of each syslog priority, from LOG_EMERG to LOG_DEBUG. */
+static const char* const tags[] = {"[ERR] ", "[ERR] ", "[ERR] ", "[ERR] ",
+                                   "[NOT] ", "[NOT] ", "[NFO] ", "[DEB] "};
 
 void sysconfig_linux_log(int priority, const char* format, ...)
 {
@@ -28,7 +18,7 @@ void sysconfig_linux_log(int priority, const char* format, ...)
     vsnprintf(text, sizeof text, format, args);
     va_end(args);
     syslog(priority, "%s", text);
-    printf("%s%s\n", tag_of(priority), text);
+    printf("%s%s\n", tags[LOG_PRI(priority)], text);
     /* The caller may leave through _exit or a signal; the line must not be
      * lost in the buffer. */
     fflush(stdout);
