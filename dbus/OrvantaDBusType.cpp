@@ -5,6 +5,7 @@
 namespace com::orvanta::dbus {
 
 int OrvantaDBusType::mSemid = -1;
+OrvantaDBusType::ParentRelease OrvantaDBusType::mReleaseParent = nullptr;
 std::vector<DBus_Interface> OrvantaDBusType::m_configureable_interfaces;
 
 OrvantaDBusType::~OrvantaDBusType() = default;

@@ -27,6 +27,11 @@ public:
     // Id of the start-up semaphore set while a daemon's parent waits for
     // this process; -1 when the process was not daemonized.
     static int mSemid;
+    // The process layer's half of that handshake: wakes the waiting parent,
+    // runs between (if any) and removes the set. Given together with mSemid,
+    // so the bus layer needs nothing of daemon mode but this.
+    using ParentRelease = void (*)(int semid, void (*between)());
+    static ParentRelease mReleaseParent;
     static std::vector<DBus_Interface> m_configureable_interfaces;
 
 protected:

@@ -1,7 +1,6 @@
 #include "OrvantaSystemBus.h"
 
 #include "GDBusInterfaceBase.h"
-#include "PlixDaemon.h"
 #include "PlixExit.h"
 #include "PlixLog.h"
 
@@ -63,7 +62,7 @@ void OrvantaSystemBus::on_name_acquired_sem_locked(GDBusConnection* connection, 
     // The parent may report success as soon as the objects are visible;
     // configuring happens while it is being released.
     export_interfaces(connection);
-    releaseParent(mSemid, configure_interfaces);
+    mReleaseParent(mSemid, configure_interfaces);
 }
 
 void OrvantaSystemBus::on_name_lost(GDBusConnection*, const gchar*, gpointer)
@@ -75,7 +74,7 @@ void OrvantaSystemBus::on_name_lost(GDBusConnection*, const gchar*, gpointer)
 void OrvantaSystemBus::on_name_lost_sem_locked(GDBusConnection*, const gchar*, gpointer)
 {
     plixLog(LOG_ERR, "%s", nameLostMessage);
-    releaseParent(mSemid, nullptr);
+    mReleaseParent(mSemid, nullptr);
     plixExit(2);
 }
 

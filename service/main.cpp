@@ -30,6 +30,7 @@ void daemonizeIfAsked(int argc, char** argv)
     while ((option = getopt(argc, copy.data(), "d")) != -1) {
         if (option == 'd') {
             OrvantaDBusType::mSemid = daemonize();
+            OrvantaDBusType::mReleaseParent = releaseParent;
         }
     }
     optind = 1;

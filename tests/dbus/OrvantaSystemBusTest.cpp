@@ -1,6 +1,7 @@
 #include "OrvantaSystemBus.h"
 
 #include "GDBusInterfaceBase.h"
+#include "PlixDaemon.h"
 #include "PrivateBus.h"
 #include "com.orvanta.dbus.h"
 
@@ -117,6 +118,7 @@ protected:
         OrvantaSystemBus::m_interfaces.clear();
         OrvantaDBusType::m_configureable_interfaces.clear();
         OrvantaDBusType::mSemid = -1;
+        OrvantaDBusType::mReleaseParent = releaseParent;
         events.clear();
     }
 
@@ -126,6 +128,7 @@ protected:
         OrvantaSystemBus::m_interfaces.clear();
         OrvantaDBusType::m_configureable_interfaces.clear();
         OrvantaDBusType::mSemid = -1;
+        OrvantaDBusType::mReleaseParent = nullptr;
     }
 
     OrvantaSystemBus bus;
