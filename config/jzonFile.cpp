@@ -1,9 +1,8 @@
 #include "jzonFile.h"
 
+#include "PlixDurableFile.h"
 #include "PlixJzonNode.h"
 #include "PlixLog.h"
-
-#include <glib.h>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -76,9 +75,6 @@ Json* walk(Json* element, const std::string& path, std::size_t start, char separ
     return nullptr;
 }
 
-// A new file in the same directory, synced, renamed over the old one, and
-// then the directory synced, so the rename itself survives a power loss too.
-const int writeFlags = G_FILE_SET_CONTENTS_CONSISTENT | G_FILE_SET_CONTENTS_DURABLE;
 } // namespace
 
 jzonFile::jzonFile(std::string path) : path(std::move(path))
@@ -89,6 +85,8 @@ jzonFile::~jzonFile() = default;
 
 bool jzonFile::read()
 {
+    // What an interrupted rewrite left is never read and never needed.
+    PlixDurableFile(path).removeLeftover();
     nodes.clear();
     std::string text;
     if (!readText(text)) {
@@ -123,14 +121,10 @@ bool jzonFile::readText(std::string& text) const
 
 bool jzonFile::write()
 {
-    std::string text = document.dump(4, ' ', false, Json::error_handler_t::replace) + "\n";
-    struct stat status;
-    int mode = stat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : 0666;
-    GError* error = nullptr;
-    if (!g_file_set_contents_full(path.c_str(), text.data(), static_cast<gssize>(text.size()),
-                                  static_cast<GFileSetContentsFlags>(writeFlags), mode, &error)) {
-        plixLog(LOG_ERR, "Could not write %s: %s", path.c_str(), error->message);
-        g_error_free(error);
+    const std::string text = document.dump(4, ' ', false, Json::error_handler_t::replace) + "\n";
+    std::string error;
+    if (!PlixDurableFile(path).replace(text, error)) {
+        plixLog(LOG_ERR, "Could not write %s: %s", path.c_str(), error.c_str());
         return false;
     }
     return true;

@@ -199,3 +199,11 @@ TEST_F(jzonFileTest, FailedWriteLeavesTheOldFileIntact)
         },
         testing::ExitedWithCode(0), "\\[ERR\\] Could not write .*store\\.json: ");
 }
+
+TEST_F(jzonFileTest, ReadRemovesWhatAnInterruptedRewriteLeft)
+{
+    dir.write("store.json.plix-new", "{\"half\":");
+    ASSERT_TRUE(file->read());
+    EXPECT_FALSE(dir.exists("store.json.plix-new"));
+    EXPECT_EQ(textAt("network.eth0.ip"), "10.0.0.1");
+}

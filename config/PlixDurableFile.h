@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+// Replaces a file's content so that a power loss at any moment leaves either
+// the old or the new content, and the new one once replace() has returned
+// true. The new text goes to the file's temporary first, "<path>.plix-new":
+// one fixed name per file, so an interrupted rewrite leaves at most one
+// leftover, which the next rewrite replaces and removeLeftover() takes away.
+class PlixDurableFile
+{
+public:
+    explicit PlixDurableFile(std::string path);
+
+    // Writes and syncs the temporary, renames it over the file and syncs the
+    // directory. The file keeps its permission bits. On failure the old file
+    // is untouched, no temporary stays, and error holds the system's reason.
+    bool replace(const std::string& text, std::string& error) const;
+    // Removes what an interrupted rewrite left behind; nothing else.
+    void removeLeftover() const;
+    std::string temporaryPath() const;
+
+private:
+    bool writeTemporary(const std::string& text, int mode, std::string& error) const;
+    bool syncDirectory(std::string& error) const;
+
+    std::string path;
+};
