@@ -57,6 +57,20 @@ std::string jsonContent(int index)
     }
     return "null";
 }
+
+GVariant* newValue(Kind kind, int round)
+{
+    switch (kind) {
+    case Kind::String:
+        return g_variant_new_string(("new" + std::to_string(round % 1000)).c_str());
+    case Kind::Bool:
+        return g_variant_new_boolean(round % 2 == 0);
+    case Kind::Double:
+        return g_variant_new_double(round % 1000 + 0.25);
+    default:
+        return g_variant_new_int32(round % 1000);
+    }
+}
 } // namespace
 
 PlixBenchConfig::PlixBenchConfig(std::string directory)
@@ -103,6 +117,26 @@ std::vector<std::string> PlixBenchConfig::mixedIds(int count)
         ids.push_back("ds" + std::to_string(set) + "/v" + std::to_string(index % valuesPerDataSet));
     }
     return ids;
+}
+
+std::vector<std::string> PlixBenchConfig::dataSetIds(const std::string& dataSet, int count)
+{
+    std::vector<std::string> ids;
+    for (int index = 0; index < count; ++index) {
+        ids.push_back(dataSet + "/v" + std::to_string(index));
+    }
+    return ids;
+}
+
+GVariant* PlixBenchConfig::changesOf(const std::vector<std::string>& ids, int round, bool allInts)
+{
+    GVariantBuilder changes;
+    g_variant_builder_init(&changes, G_VARIANT_TYPE("a{sv}"));
+    for (std::size_t index = 0; index < ids.size(); ++index) {
+        const Kind kind = allInts ? Kind::Int : kindOf(static_cast<int>(index));
+        g_variant_builder_add(&changes, "{sv}", ids[index].c_str(), newValue(kind, round));
+    }
+    return g_variant_builder_end(&changes);
 }
 
 bool PlixBenchConfig::write(const std::vector<int>& fileSizes)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <glib.h>
+
 #include <string>
 #include <vector>
 
@@ -33,6 +35,14 @@ public:
     // turn and never the password; the configuration must have
     // count / 20 + 2 data sets.
     static std::vector<std::string> mixedIds(int count);
+    // The XML-IDs v0 to v<count - 1> of one data set, all four types in turn;
+    // the data set must not be ds0, which holds the password.
+    static std::vector<std::string> dataSetIds(const std::string& dataSet, int count);
+    // The a{sv} changes of an Apply that sets the values named in round
+    // `round`: each an int when allInts, else of the type its position in the
+    // list gives (int, string, bool, double in turn, as in a data set). Every
+    // value passes its validators and differs from the one of the round before.
+    static GVariant* changesOf(const std::vector<std::string>& ids, int round, bool allInts);
 
     static std::vector<int> splitIntoFiles(int values);
     static const char* passwordPlainText() { return "bench-secret"; }

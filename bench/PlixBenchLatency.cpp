@@ -1,7 +1,7 @@
 #include "PlixBenchLatency.h"
 
 #include "PlixBenchConfig.h"
-#include "PlixBenchStats.h"
+#include "PlixBenchRewrite.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -12,20 +12,16 @@ const char* const passwordId = "ds0/v1";
 // Values read in one batch: as many as a front end's page shows.
 const int batchSize = 50;
 
-GVariant* idAndInt(const std::string& id, int value)
+// The arguments of an int set in round i: the value stays within every
+// validator of the benchmark configuration.
+GVariant* idAndInt(const std::string& id, int i)
 {
-    return g_variant_new("(si)", id.c_str(), value);
+    return g_variant_new("(si)", id.c_str(), i % 1000);
 }
 
 GVariant* idOnly(const std::string& id)
 {
     return g_variant_new("(s)", id.c_str());
-}
-
-// Values written stay within every validator of the benchmark configuration.
-int valueFor(int i)
-{
-    return i % 1000;
 }
 } // namespace
 
@@ -61,52 +57,39 @@ PlixBenchLatency::Frame PlixBenchLatency::stopTransaction()
 }
 
 bool PlixBenchLatency::time(const std::string& destination, const Operation& operation,
-                            const Frame& open, const Frame& close, std::vector<double>& out)
+                            const Frame& open, const Frame& close, PlixBenchStats& out)
 {
-    if (open && !open(destination)) {
-        return false;
-    }
-    const int warmUp = count / 10 + 1;
-    for (int i = 0; i < warmUp + count; ++i) {
-        const gint64 begin = g_get_monotonic_time();
-        if (!operation(destination, i)) {
-            return false;
-        }
-        if (i >= warmUp) {
-            out.push_back(static_cast<double>(g_get_monotonic_time() - begin));
-        }
-    }
-    return !close || close(destination);
+    return (!open || open(destination)) &&
+           out.recordRepeated(count, [&](int i) { return operation(destination, i); }) &&
+           (!close || close(destination));
 }
 
 bool PlixBenchLatency::measure(const std::string& figure, const Operation& operation,
-                               const Frame& open, const Frame& close)
+                               const Frame& open, const Frame& close, double floorAddition)
 {
-    std::vector<double> onService;
-    std::vector<double> onFloor;
-    if (!time(service, operation, open, close, onService) ||
-        !time(floor, operation, open, close, onFloor)) {
+    PlixBenchStats measured;
+    PlixBenchStats floorStats;
+    if (!time(service, operation, open, close, measured) ||
+        !time(floor, operation, open, close, floorStats)) {
         std::fprintf(stderr, "plix_bench_client: %s failed\n", figure.c_str());
         return false;
     }
-    PlixBenchStats measured;
-    PlixBenchStats floorStats;
-    for (double sample : onService) {
-        measured.add(sample);
-    }
-    for (double sample : onFloor) {
-        floorStats.add(sample);
-    }
     PlixBenchStats::printRow(section, values, figure, "us", measured.min(), measured.median(),
-                             measured.p99(), floorStats.median());
+                             measured.p99(), floorStats.median() + floorAddition);
     return true;
 }
 
-bool PlixBenchLatency::measureTransactions(const std::string& figure, const Operation& operation)
+int PlixBenchLatency::transactionCount() const
+{
+    return std::max(count / 10, 20);
+}
+
+bool PlixBenchLatency::measureTransactions(const std::string& figure, const Operation& operation,
+                                           double floorAddition)
 {
     const int callCount = count;
-    count = std::max(count / 10, 20);
-    const bool measured = measure(figure, operation);
+    count = transactionCount();
+    const bool measured = measure(figure, operation, nullptr, nullptr, floorAddition);
     count = callCount;
     return measured;
 }
@@ -116,7 +99,7 @@ bool PlixBenchLatency::transaction(const std::string& destination, bool persiste
 {
     std::vector<PlixBenchCall> calls{{"Transactionstart", g_variant_new("(b)", persistent)}};
     for (const std::string& id : ids) {
-        calls.push_back({"SetIntValue", idAndInt(id, valueFor(i))});
+        calls.push_back({"SetIntValue", idAndInt(id, i)});
     }
     calls.push_back({"Transactionstop", nullptr});
     if (pipelined) {
@@ -156,21 +139,22 @@ bool PlixBenchLatency::getValues(const std::string& destination,
 bool PlixBenchLatency::apply(const std::string& destination, const std::vector<std::string>& ids,
                              int i)
 {
-    GVariantBuilder changes;
-    g_variant_builder_init(&changes, G_VARIANT_TYPE("a{sv}"));
-    for (const std::string& id : ids) {
-        g_variant_builder_add(&changes, "{sv}", id.c_str(), g_variant_new_int32(valueFor(i)));
-    }
+    GVariant* changes = PlixBenchConfig::changesOf(ids, i, true);
     return expect(destination,
-                  {"Apply", g_variant_new("(a{sv}b)", &changes, TRUE), PlixBenchCall::monitor});
+                  {"Apply", g_variant_new("(@a{sv}b)", changes, TRUE), PlixBenchCall::monitor});
 }
 
-bool PlixBenchLatency::runCalls()
+bool PlixBenchLatency::runCalls(const std::string& storeCopy)
 {
-    return runSingleCalls() && runBatches();
+    // The floor of a persistent commit: the floor's calls plus the durable
+    // rewrite of the store file the committed values live in, measured alone.
+    double rewrite = 0.0;
+    return (storeCopy.empty() ||
+            PlixBenchRewrite::measure(storeCopy, transactionCount(), values, rewrite)) &&
+           runSingleCalls() && runBatches(rewrite);
 }
 
-bool PlixBenchLatency::runBatches()
+bool PlixBenchLatency::runBatches(double rewrite)
 {
     const std::vector<std::string> tenInts = PlixBenchConfig::intIds(10);
     const std::vector<std::string> fifty = PlixBenchConfig::mixedIds(batchSize);
@@ -178,17 +162,22 @@ bool PlixBenchLatency::runBatches()
     for (const std::string& id : fifty) {
         fiftyIds.push_back(id.c_str());
     }
-    return measureTransactions("transaction start+10 sets+stop (sequential)",
-                               [this, &tenInts](const std::string& d, int i) {
-                                   return transaction(d, true, tenInts, i, false);
-                               }) &&
-           measureTransactions("transaction start+10 sets+stop (pipelined)",
-                               [this, &tenInts](const std::string& d, int i) {
-                                   return transaction(d, true, tenInts, i, true);
-                               }) &&
+    return measureTransactions(
+               "transaction start+10 sets+stop (sequential)",
+               [this, &tenInts](const std::string& d, int i) {
+                   return transaction(d, true, tenInts, i, false);
+               },
+               rewrite) &&
+           measureTransactions(
+               "transaction start+10 sets+stop (pipelined)",
+               [this, &tenInts](const std::string& d, int i) {
+                   return transaction(d, true, tenInts, i, true);
+               },
+               rewrite) &&
            measureTransactions(
                "Apply of 10 values (persistent)",
-               [this, &tenInts](const std::string& d, int i) { return apply(d, tenInts, i); }) &&
+               [this, &tenInts](const std::string& d, int i) { return apply(d, tenInts, i); },
+               rewrite) &&
            measureTransactions(
                "50 GetIntValueTransient (sequential)",
                [this](const std::string& d, int) { return getEach(d, batchSize); }) &&
@@ -205,11 +194,10 @@ bool PlixBenchLatency::runSingleCalls()
                    [this](const std::string& d, int) {
                        return expect(d, {"GetIntValueTransient", idOnly(transientId)});
                    }) &&
-           measure(
-               "SetIntValueTransient",
-               [this](const std::string& d, int i) {
-                   return expect(d, {"SetIntValueTransient", idAndInt(transientId, valueFor(i))});
-               }) &&
+           measure("SetIntValueTransient",
+                   [this](const std::string& d, int i) {
+                       return expect(d, {"SetIntValueTransient", idAndInt(transientId, i)});
+                   }) &&
            measure(
                "GetIntValue (in transaction)",
                [this](const std::string& d, int) {
@@ -220,7 +208,7 @@ bool PlixBenchLatency::runSingleCalls()
                "SetIntValue (in transaction)",
                [this](const std::string& d, int i) {
                    // Every set after the first replaces the one before: status 1.
-                   return expect(d, {"SetIntValue", idAndInt(transientId, valueFor(i))}, 1);
+                   return expect(d, {"SetIntValue", idAndInt(transientId, i)}, 1);
                },
                startTransaction(), stopTransaction()) &&
            measure(

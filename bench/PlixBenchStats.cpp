@@ -1,5 +1,7 @@
 #include "PlixBenchStats.h"
 
+#include <glib.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -13,6 +15,29 @@ double PlixBenchStats::quantile(double q) const
     std::sort(sorted.begin(), sorted.end());
     const auto last = static_cast<double>(sorted.size() - 1);
     return sorted[static_cast<std::size_t>(std::lround(q * last))];
+}
+
+bool PlixBenchStats::record(const std::function<bool()>& operation, bool warmingUp)
+{
+    const gint64 begin = g_get_monotonic_time();
+    if (!operation()) {
+        return false;
+    }
+    if (!warmingUp) {
+        add(static_cast<double>(g_get_monotonic_time() - begin));
+    }
+    return true;
+}
+
+bool PlixBenchStats::recordRepeated(int count, const std::function<bool(int)>& operation)
+{
+    const int warmUp = warmUpOf(count);
+    for (int i = 0; i < warmUp + count; ++i) {
+        if (!record([&operation, i] { return operation(i); }, i < warmUp)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 double PlixBenchStats::min() const

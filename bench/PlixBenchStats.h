@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -7,7 +8,17 @@
 class PlixBenchStats
 {
 public:
+    // Repetitions run untimed before count timed ones, so that caches,
+    // connections and the disk are in their steady state.
+    static int warmUpOf(int count) { return count / 10 + 1; }
+
     void add(double microseconds) { samples.push_back(microseconds); }
+    // Runs the operation once and adds its duration unless warming up; false
+    // when the operation failed.
+    bool record(const std::function<bool()>& operation, bool warmingUp);
+    // Runs operation(i) for i from 0 on, warmUpOf(count) + count times, and
+    // adds the durations of the last count; stops at the first failure.
+    bool recordRepeated(int count, const std::function<bool(int)>& operation);
     bool empty() const { return samples.empty(); }
     double min() const;
     double median() const;

@@ -3,21 +3,27 @@
 // section,values,figure,unit,min,median,p99,floor,ratio (ratio: how many
 // times the floor's cost the service's is).
 //
-//   plix_bench_client latency SERVICE FLOOR VALUES COUNT
+//   plix_bench_client latency SERVICE FLOOR VALUES COUNT [STORE_COPY]
+//       STORE_COPY: a copy of the store file of ds0 and ds1, rewritten to
+//       measure the durable rewrite alone (never the service's own file)
 //   plix_bench_client commits SERVICE FLOOR COUNT ID:SIZE...
 //   plix_bench_client throughput SERVICE FLOOR VALUES SECONDS CONNECTIONS...
-//   plix_bench_client dconf COUNT
-//       durable ten-key writes to the desktop settings store's writer on
-//       the session bus (DBUS_SESSION_BUS_ADDRESS), against its Peer.Ping
+//   plix_bench_client versus SERVICE COUNT ID [xfconf]
+//       durable Apply of the ten values of the data set of ID (ds<n>/v0, a
+//       store file of its own) against durable ten-key writes to the desktop
+//       settings store's writer on the session bus (DBUS_SESSION_BUS_ADDRESS)
+//       and, with xfconf, ten SetProperty calls to the Xfce settings daemon
+//       on the same bus, in rounds of one of each
 //   plix_bench_client ready NAME SINCE TIMEOUT
 //       waits until NAME answers GetIntValueTransient at /plix with status
 //       0; prints the milliseconds since SINCE (seconds since the epoch, as
 //       bash's EPOCHREALTIME gives them)
 
 #include "PlixBenchBus.h"
-#include "PlixBenchDconf.h"
+#include "PlixBenchConfig.h"
 #include "PlixBenchLatency.h"
 #include "PlixBenchStats.h"
+#include "PlixBenchVersus.h"
 
 #include <atomic>
 #include <cstdio>
@@ -32,10 +38,10 @@ const char* const probeId = "ds0/v0";
 int usage()
 {
     std::fprintf(stderr,
-                 "usage: plix_bench_client latency SERVICE FLOOR VALUES COUNT\n"
+                 "usage: plix_bench_client latency SERVICE FLOOR VALUES COUNT [STORE_COPY]\n"
                  "       plix_bench_client commits SERVICE FLOOR COUNT ID:SIZE...\n"
                  "       plix_bench_client throughput SERVICE FLOOR VALUES SECONDS CONNECTIONS...\n"
-                 "       plix_bench_client dconf COUNT\n"
+                 "       plix_bench_client versus SERVICE COUNT ID [xfconf]\n"
                  "       plix_bench_client ready NAME SINCE TIMEOUT\n");
     return 2;
 }
@@ -131,14 +137,23 @@ int runCommits(int argc, char** argv)
     PlixBenchLatency latency(argv[2], argv[3], 0, std::atoi(argv[4]));
     return latency.runCommits(ids, sizes) ? 0 : 1;
 }
+
+int runVersus(char** argv)
+{
+    const std::string first = argv[4];
+    const std::string dataSet = first.substr(0, first.find('/'));
+    const bool withXfconf = argv[5] != nullptr && std::string(argv[5]) == "xfconf";
+    PlixBenchVersus versus(argv[2], PlixBenchConfig::dataSetIds(dataSet, 10), withXfconf);
+    return versus.run(std::atoi(argv[3])) ? 0 : 1;
+}
 } // namespace
 
 int main(int argc, char** argv)
 {
     const std::string mode = argc > 1 ? argv[1] : "";
-    if (mode == "latency" && argc == 6) {
+    if (mode == "latency" && (argc == 6 || argc == 7)) {
         PlixBenchLatency latency(argv[2], argv[3], std::atol(argv[4]), std::atoi(argv[5]));
-        return latency.runCalls() ? 0 : 1;
+        return latency.runCalls(argc == 7 ? argv[6] : "") ? 0 : 1;
     }
     if (mode == "commits" && argc >= 6) {
         return runCommits(argc, argv);
@@ -146,9 +161,8 @@ int main(int argc, char** argv)
     if (mode == "throughput" && argc >= 7) {
         return runThroughput(argc, argv);
     }
-    if (mode == "dconf" && argc == 3) {
-        PlixBenchDconf dconf;
-        return dconf.run(std::atoi(argv[2])) ? 0 : 1;
+    if (mode == "versus" && (argc == 5 || argc == 6)) {
+        return runVersus(argv);
     }
     if (mode == "ready" && argc == 5) {
         return runReady(argv);

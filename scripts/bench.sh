@@ -10,19 +10,26 @@
 # bus, the floor service and the service with generated configurations of
 # 100 to 100,000 values and measures call latency, throughput, start-up,
 # commit cost and memory, each against its floor, and, for comparison, a
-# durable ten-key write to dconf-service on a private session bus. Prints
-# the table, writes build-bench/bench.csv, build-bench/bench.png and
-# build-bench/engine_bench.csv (the in-process benchmarks of the engine).
+# durable ten-key write to dconf-service on a private session bus, measured
+# in alternating rounds with the service's durable Apply of the ten values of
+# a file of ten (and ten property writes to xfconfd, the Xfce settings
+# daemon, on the same bus). Prints the table, writes build-bench/bench.csv,
+# build-bench/bench.png and build-bench/engine_bench.csv (the in-process
+# benchmarks of the engine).
 set -euo pipefail
 export LC_ALL=C
 
 root=$(cd "$(dirname "$0")/.." && pwd)
-build=$root/build-bench
+# PLIX_BENCH_BUILD replaces the build directory (a developer's own).
+build=${PLIX_BENCH_BUILD:-$root/build-bench}
 service_name=com.orvanta.plix
 floor_name=com.orvanta.plix.floor
 memory_floor_name=com.orvanta.plix.memoryfloor
 # PLIX_BENCH_SIZES replaces the list of configuration sizes (for a quick try).
 sizes="${PLIX_BENCH_SIZES:-100 1000 10000 100000}"
+# PLIX_BENCH_REPEAT runs the latency rows of each size that many times, for
+# their spread from run to run.
+repeat="${PLIX_BENCH_REPEAT:-1}"
 
 outer()
 {
@@ -30,7 +37,7 @@ outer()
         echo "bench.sh: run as root (it uses private namespaces and a bind mount)" >&2
         exit 1
     fi
-    "$root/scripts/install-deps.sh" gnuplot-nox libbenchmark-dev dconf-service
+    "$root/scripts/install-deps.sh" gnuplot-nox libbenchmark-dev dconf-service xfconf
     cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DPLIX_BENCH=ON \
         -DPLIX_BUILD_TESTS=OFF >/dev/null
     cmake --build "$build" -j2 --target dbus-ex-plix plix_bench_gen plix_bench_client \
@@ -47,83 +54,8 @@ outer()
 
 # ---- inside the namespaces ------------------------------------------------
 
-started=()
-
-stop_process()
-{
-    local pid=$1
-    kill -TERM "$pid" 2>/dev/null || return 0
-    for _ in $(seq 100); do
-        kill -0 "$pid" 2>/dev/null || break
-        sleep 0.1
-    done
-    kill -KILL "$pid" 2>/dev/null || true
-    wait "$pid" 2>/dev/null || true
-}
-
-stop_all()
-{
-    local pid
-    for pid in "${started[@]}"; do
-        stop_process "$pid"
-    done
-}
-
-wait_for_file()
-{
-    for _ in $(seq 100); do
-        [ -s "$1" ] && return 0
-        sleep 0.1
-    done
-    echo "bench.sh: $1 did not appear" >&2
-    return 1
-}
-
-client()
-{
-    "$build/bench/plix_bench_client" "$@"
-}
-
-# Starts a program in the background with its output in the run directory;
-# sets "pid".
-launch()
-{
-    local log=$1
-    shift
-    "$@" >"$run/$log.log" 2>&1 &
-    pid=$!
-    started+=("$pid")
-}
-
-# Starts the program and sets "ready_ms" to the milliseconds from its exec to
-# the first successful reply of NAME; leaves it running with its id in "pid".
-start_timed()
-{
-    local name=$1 log=$2
-    shift 2
-    local since=$EPOCHREALTIME
-    launch "$log" "$@"
-    ready_ms=$(client ready "$name" "$since" 300)
-}
-
-memory_of()
-{
-    awk -v key="$2:" '$1 == key { print $2 }' "/proc/$1/status"
-}
-
-# min median max of the numbers given.
-summary()
-{
-    printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print v[1], v[int((NR + 1) / 2)], v[NR] }'
-}
-
-row()
-{
-    # section values figure unit min median p99 floor: ratio median / floor
-    awk -v s="$1" -v n="$2" -v f="$3" -v u="$4" -v a="$5" -v m="$6" -v p="$7" -v fl="$8" \
-        'BEGIN { printf "%s,%s,%s,%s,%.1f,%.1f,%.1f,%.1f,%.2f\n", s, n, f, u, a, m, p, fl, (fl > 0 ? m / fl : 0) }' \
-        >>"$csv"
-}
+# shellcheck source-path=SCRIPTDIR/.. source=bench/bench-helpers.sh
+source "$root/bench/bench-helpers.sh"
 
 start_bus()
 {
@@ -144,11 +76,7 @@ measure_floors()
     floor_startup=$(summary "${times[@]}" | awk '{ print $2 }')
     launch memory_floor "$build/bench/memory_floor" "$memory_floor_name"
     local memory_pid=$pid
-    for _ in $(seq 100); do
-        gdbus call --system --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
-            --method org.freedesktop.DBus.NameHasOwner "$memory_floor_name" | grep -q true && break
-        sleep 0.1
-    done
+    wait_for_name --system "$memory_floor_name"
     sleep 1
     floor_rss=$(memory_of "$memory_pid" VmRSS)
     floor_hwm=$(memory_of "$memory_pid" VmHWM)
@@ -181,7 +109,7 @@ measure_size()
     local rss
     rss=$(memory_of "$service_pid" VmRSS)
     row memory "$n" "VmRSS idle after start-up" kB "$rss" "$rss" "$rss" "$floor_rss"
-    client latency "$service_name" "$floor_name" "$n" "$count" >>"$csv"
+    measure_latency "$n" "$count"
     client throughput "$service_name" "$floor_name" "$n" 2 1 4 32 >>"$csv"
     # Idle again, now with its password digests initialised like the floor's.
     sleep 1
@@ -195,22 +123,53 @@ measure_size()
     stop_process "$service_pid"
 }
 
+# The latency rows of size N (the service running): the durable rewrite of
+# the store file of the ten values the transactions set is timed on a copy of
+# that file, never on the service's own. With more than one run each row
+# names its run, and one row a figure gives the spread of the runs' medians
+# (min, median and max of them in the min, median and p99 columns).
+measure_latency()
+{
+    local n=$1 count=$2 r figure lo mid hi floor
+    mkdir "$run/rewrite$n"
+    cp "$run/cfg$n/store0.json" "$run/rewrite$n/store0.json"
+    if [ "$repeat" -le 1 ]; then
+        client latency "$service_name" "$floor_name" "$n" "$count" "$run/rewrite$n/store0.json" \
+            >>"$csv"
+        return
+    fi
+    for r in $(seq "$repeat"); do
+        client latency "$service_name" "$floor_name" "$n" "$count" "$run/rewrite$n/store0.json" |
+            tee -a "$run/latency$n" |
+            awk -F, -v OFS=, -v r="$r" '{ $3 = $3 " (run " r ")"; print }' >>"$csv"
+    done
+    while IFS= read -r figure; do
+        read -r lo mid hi <<<"$(column_summary "$run/latency$n" "$figure" 6)"
+        read -r _ floor _ <<<"$(column_summary "$run/latency$n" "$figure" 8)"
+        row latency "$n" "$figure (spread of $repeat medians)" us "$lo" "$mid" "$hi" "$floor"
+    done < <(cut -d, -f3 "$run/latency$n" | awk '!seen[$0]++')
+}
+
+# The 10-value file comes second: the first file holds the only password
+# value, and the Apply against dconf sets plain values only, as dconf's keys
+# are. Runs while dconf-service runs too.
 measure_commits()
 {
     mkdir "$run/commit"
     local ids
-    mapfile -t ids < <("$build/bench/plix_bench_gen" "$run/commit" files 10,1000,10000)
+    mapfile -t ids < <("$build/bench/plix_bench_gen" "$run/commit" files 1000,10,10000)
     start_timed "$service_name" service-commit "$build/service/dbus-ex-plix" \
         -c "$run/commit/plix_config.xml"
     local service_pid=$pid
     client commits "$service_name" "$floor_name" 1000 \
-        "${ids[0]}:10" "${ids[1]}:1000" "${ids[2]}:10000" >>"$csv"
+        "${ids[1]}:10" "${ids[0]}:1000" "${ids[2]}:10000" >>"$csv"
+    client versus "$service_name" 300 "${ids[1]}" "${with_xfconf[@]}" >>"$csv"
     stop_process "$service_pid"
 }
 
 # The desktop settings store's writer on a session bus of its own, with its
 # files in the run directory (also for a copy the bus would start itself).
-measure_dconf()
+start_dconf()
 {
     mkdir -p "$run/dconf/config" "$run/dconf/runtime"
     chmod 700 "$run/dconf/runtime"
@@ -220,12 +179,16 @@ measure_dconf()
     wait_for_file "$run/session-bus.address"
     export DBUS_SESSION_BUS_ADDRESS="unix:path=$run/session-bus"
     launch dconf /usr/libexec/dconf-service
-    for _ in $(seq 100); do
-        gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
-            --method org.freedesktop.DBus.NameHasOwner ca.desrt.dconf | grep -q true && break
-        sleep 0.1
+    wait_for_name --session ca.desrt.dconf
+    with_xfconf=()
+    local xfconfd
+    for xfconfd in /usr/lib/*/xfce4/xfconf/xfconfd; do
+        [ -x "$xfconfd" ] || continue
+        launch xfconfd "$xfconfd"
+        wait_for_name --session org.xfce.Xfconf
+        with_xfconf=(xfconf)
+        break
     done
-    client dconf 200 >>"$csv"
 }
 
 print_table()
@@ -251,10 +214,9 @@ inside()
         echo "bench.sh: $n values"
         measure_size "$n"
     done
-    echo "bench.sh: commits"
+    echo "bench.sh: commits, and Apply against dconf"
+    start_dconf
     measure_commits
-    echo "bench.sh: dconf for comparison"
-    measure_dconf
     gnuplot -e "data='$run/points'; output='$build/bench.png'" "$root/bench/plot.gp"
     print_table
     echo
