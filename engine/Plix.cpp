@@ -64,6 +64,9 @@ void Plix::configure(int argc, char** argv)
     if (!configured) {
         xmlParser = std::make_unique<PlixXML_Parser>(xmlConfigPath, "not_created_yet", &values,
                                                      &jsonModifier, &dataSets);
+        for (std::size_t position = 0; position < dataSets.size(); ++position) {
+            declarationOrder.emplace(dataSets[position], position);
+        }
         configured = true;
     }
     readValuesFromJson();
@@ -162,7 +165,8 @@ int Plix::transactionStop(std::string client)
     for (const ValueMap::iterator& entry : changedValues) {
         changed.push_back(&entry->second);
     }
-    const unsigned result = PlixCommit(changed, dataSets).run(persistent, jsonModifier);
+    const unsigned result =
+        PlixCommit(changed, markedInDeclarationOrder()).run(persistent, jsonModifier);
     std::vector<std::string> changedIds;
     for (const ValueMap::iterator& entry : changedValues) {
         changedIds.push_back(entry->first);
@@ -178,9 +182,10 @@ int Plix::transactionStop(std::string client)
 void Plix::clear_plix()
 {
     plixLog(LOG_NOTICE, "Clearing PLIX to be ready for new transactions");
-    for (PlixDataSet* dataSet : dataSets) {
+    for (PlixDataSet* dataSet : markedDataSets) {
         dataSet->resetVerify();
     }
+    markedDataSets.clear();
     changedValues.clear();
     client = idleClient;
     persistent = true;
@@ -277,8 +282,9 @@ int Plix::setvalue_template(std::string client, std::string xml_id, PlixVariant 
         clear_plix();
         return 15;
     }
-    const unsigned result = target.setWantedSetValue(PlixValueInput::storedForm(
-        "setValue", client, xml_id, target, value, target.getValueType()));
+    const unsigned result =
+        markingSet(target, PlixValueInput::storedForm("setValue", client, xml_id, target, value,
+                                                      target.getValueType()));
     if (result != 0) {
         clear_plix();
         plixLog(LOG_WARNING, "SetValue failed");
@@ -305,9 +311,9 @@ int Plix::setvalue_transient_template(std::string client, std::string xml_id, Pl
     if (PlixValueInput::refusedAsReadOnly(target)) {
         return 15;
     }
-    const unsigned result = target.setWantedSetValue(
-        PlixValueInput::storedForm("setValueTransient", client, xml_id, target, value,
-                                   PlixValueInput::transientPasswordType(target)));
+    const unsigned result = markingSet(
+        target, PlixValueInput::storedForm("setValueTransient", client, xml_id, target, value,
+                                           PlixValueInput::transientPasswordType(target)));
     if (result != 0) {
         return static_cast<int>(result);
     }
@@ -317,6 +323,28 @@ int Plix::setvalue_transient_template(std::string client, std::string xml_id, Pl
         notifyChanged({xml_id}, false);
     }
     return applied;
+}
+
+// A transient set marks its data set as well, and the mark stays until the
+// next clear, as a commit's validators and actions have always seen it.
+unsigned Plix::markingSet(PlixValue& target, PlixVariant wanted)
+{
+    PlixDataSet& dataSet = target.getDataSet();
+    const bool wasMarked = dataSet.toVerify();
+    const unsigned result = target.setWantedSetValue(std::move(wanted));
+    if (!wasMarked && dataSet.toVerify()) {
+        markedDataSets.push_back(&dataSet);
+    }
+    return result;
+}
+
+std::vector<PlixDataSet*> Plix::markedInDeclarationOrder() const
+{
+    std::vector<PlixDataSet*> marked = markedDataSets;
+    std::sort(marked.begin(), marked.end(), [this](const PlixDataSet* a, const PlixDataSet* b) {
+        return declarationOrder.at(a) < declarationOrder.at(b);
+    });
+    return marked;
 }
 
 int Plix::applyTransient(PlixValue& value)

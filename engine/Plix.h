@@ -95,12 +95,19 @@ private:
     int setvalue_transient_template(std::string client, std::string xml_id, PlixVariant value);
     int verify_template(std::string client, std::string xml_id, PlixVariant value);
     int applyTransient(PlixValue& value);
+    unsigned markingSet(PlixValue& target, PlixVariant wanted);
+    std::vector<PlixDataSet*> markedInDeclarationOrder() const;
     void notifyChanged(const std::vector<std::string>& xmlIds, bool persistent) const;
 
     std::string client;
     std::unique_ptr<PlixXML_Parser> xmlParser;
     PlixJsonModifier jsonModifier;
     std::vector<PlixDataSet*> dataSets;
+    // The data sets a set has marked since the last clear, so that a commit
+    // and a clear visit those and not every declared set; the position of
+    // each set in the XML keeps their validators and actions in that order.
+    std::vector<PlixDataSet*> markedDataSets;
+    std::unordered_map<const PlixDataSet*, std::size_t> declarationOrder;
     ValueMap values;
     std::vector<ValueMap::iterator> changedValues;
     bool persistent;

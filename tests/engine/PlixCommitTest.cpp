@@ -241,3 +241,25 @@ TEST_F(PlixCommitTest, CommitAfterFailureStartsFromCleanMarks)
     EXPECT_EQ(stop(), 0);
     EXPECT_THAT(actionLog(), ElementsAre("value-i 7", "dataset-a"));
 }
+
+TEST_F(PlixCommitTest, DataSetActionsRunInXmlOrderWhateverTheOrderOfTheSets)
+{
+    start();
+    ASSERT_EQ(engine->setIntValue("client-a", "ports/httpport", 8081), 0);
+    ASSERT_EQ(engine->setIntValue("client-a", "a/i", 7), 0);
+    EXPECT_EQ(stop(), 0);
+    EXPECT_THAT(actionLog(), ElementsAre("value-i 7", "dataset-a", "dataset-ports"));
+}
+
+TEST_F(PlixCommitTest, TransientSetMarksItsDataSetUntilTheNextCommitEnds)
+{
+    ASSERT_EQ(engine->setIntValueTransient("test", "ports/httpport", 8081), 0);
+    start();
+    ASSERT_EQ(engine->setIntValue("client-a", "a/i", 7), 0);
+    EXPECT_EQ(stop(), 0);
+    start();
+    ASSERT_EQ(engine->setIntValue("client-a", "a/i", 8), 0);
+    EXPECT_EQ(stop(), 0);
+    EXPECT_THAT(actionLog(),
+                ElementsAre("value-i 7", "dataset-a", "dataset-ports", "value-i 8", "dataset-a"));
+}
