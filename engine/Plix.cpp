@@ -325,14 +325,15 @@ int Plix::setvalue_transient_template(std::string client, std::string xml_id, Pl
     return applied;
 }
 
-// A transient set marks its data set as well, and the mark stays until the
-// next clear, as a commit's validators and actions have always seen it.
-unsigned Plix::markingSet(PlixValue& target, PlixVariant wanted)
+// An accepted set marks its data set, a transient one as well, and the mark
+// stays until the next clear, as a commit's validators and actions have always
+// seen it. The list holds each marked set once.
+unsigned Plix::markingSet(PlixValue& target, const PlixVariant& wanted)
 {
     PlixDataSet& dataSet = target.getDataSet();
     const bool wasMarked = dataSet.toVerify();
-    const unsigned result = target.setWantedSetValue(std::move(wanted));
-    if (!wasMarked && dataSet.toVerify()) {
+    const unsigned result = target.setWantedSetValue(wanted);
+    if (result == 0 && !wasMarked) {
         markedDataSets.push_back(&dataSet);
     }
     return result;

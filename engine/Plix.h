@@ -95,7 +95,7 @@ private:
     int setvalue_transient_template(std::string client, std::string xml_id, PlixVariant value);
     int verify_template(std::string client, std::string xml_id, PlixVariant value);
     int applyTransient(PlixValue& value);
-    unsigned markingSet(PlixValue& target, PlixVariant wanted);
+    unsigned markingSet(PlixValue& target, const PlixVariant& wanted);
     std::vector<PlixDataSet*> markedInDeclarationOrder() const;
     void notifyChanged(const std::vector<std::string>& xmlIds, bool persistent) const;
 
