@@ -13,6 +13,16 @@ namespace {
 
 const unsigned typeMismatch = 200;
 
+// Writes into a slot, making it on its first use.
+void keepIn(std::unique_ptr<PlixVariant>& slot, PlixVariant v)
+{
+    if (slot) {
+        *slot = std::move(v);
+    } else {
+        slot = std::make_unique<PlixVariant>(std::move(v));
+    }
+}
+
 } // namespace
 
 PlixValue::PlixValue(std::string name, PlixDataSet& dataSet)
@@ -47,11 +57,16 @@ void PlixValue::setValuePtr(std::shared_ptr<PlixVariant> content)
     linked = true;
 }
 
+PlixVariant PlixValue::getWantedSetValue() const
+{
+    return wantedSetValue ? *wantedSetValue : PlixVariant();
+}
+
 unsigned PlixValue::setWantedSetValue(PlixVariant v)
 {
-    wantedSetValue = v;
+    keepIn(wantedSetValue, std::move(v));
     oldValueValid = false;
-    if (wantedSetValue.getDataType() != getValue().getDataType()) {
+    if (wantedSetValue->getDataType() != getValue().getDataType()) {
         plixLog(LOG_WARNING, "Datatype doesnt match the one from %s", name.c_str());
         return typeMismatch;
     }
@@ -77,15 +92,17 @@ void PlixValue::writeCurrent(const PlixVariant& v)
 
 void PlixValue::setValue(PlixVariant v)
 {
-    oldValue = getValue();
+    keepIn(oldValue, getValue());
     oldValueValid = true;
     writeCurrent(v);
 }
 
 void PlixValue::setBackToOldValue()
 {
+    // A copy made while a transaction was open has the flag but not the
+    // slot, and so writes back a content with no type.
     if (oldValueValid) {
-        writeCurrent(oldValue);
+        writeCurrent(oldValue ? *oldValue : PlixVariant());
     }
     oldValueValid = false;
 }

@@ -14,7 +14,9 @@ class PlixValueOnChangeHandler;
 // One configuration value declared by a Value element. Its current content is
 // shared with every value linked to it (same jpath); the old slot keeps the
 // content from before the running transaction, the wanted slot the content a
-// client last offered. Validator, actions, node and data set are not owned.
+// client last offered. Both slots are made by the first set that needs them,
+// as most values of a device are never set. Validator, actions, node and data
+// set are not owned.
 class PlixValue
 {
 public:
@@ -49,7 +51,7 @@ public:
     PlixVariant getValue() const;
     std::shared_ptr<PlixVariant> getValuePtr() const { return currentValue; }
     void setValuePtr(std::shared_ptr<PlixVariant> content);
-    PlixVariant getWantedSetValue() const { return wantedSetValue; }
+    PlixVariant getWantedSetValue() const;
 
     unsigned setWantedSetValue(PlixVariant v);
     void setValue(PlixVariant v);
@@ -69,8 +71,8 @@ private:
     std::vector<PlixValueOnChangeHandler*> onChangeHandlers;
     PlixValueValidator* validator = nullptr;
     std::shared_ptr<PlixVariant> currentValue;
-    PlixVariant oldValue;
-    PlixVariant wantedSetValue;
+    std::unique_ptr<PlixVariant> oldValue;
+    std::unique_ptr<PlixVariant> wantedSetValue;
     Jzon::Node* jsonNode = nullptr;
     PlixValue* linkedValue = nullptr;
     bool oldValueValid = false;

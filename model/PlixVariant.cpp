@@ -22,6 +22,11 @@ std::string streamText(Number number)
 // Doubles closer than this count as the same setting.
 const double doubleTolerance = 0.001;
 
+std::unique_ptr<PlixPassword> copyOf(const std::unique_ptr<PlixPassword>& password)
+{
+    return password ? std::make_unique<PlixPassword>(*password) : nullptr;
+}
+
 } // namespace
 
 PlixVariant::PlixVariant() = default;
@@ -34,7 +39,7 @@ PlixVariant::PlixVariant(const char* value) : stringContent(value), dataType(STR
 {
 }
 
-PlixVariant::PlixVariant(bool value) : boolContent(value), dataType(BOOL)
+PlixVariant::PlixVariant(bool value) : dataType(BOOL), boolContent(value)
 {
 }
 
@@ -46,8 +51,39 @@ PlixVariant::PlixVariant(double value) : doubleContent(value), dataType(DOUBLE)
 {
 }
 
-PlixVariant::PlixVariant(PlixPassword value) : dataType(PASSWORD), passwordContent(value)
+PlixVariant::PlixVariant(PlixPassword value)
+    : passwordContent(std::make_unique<PlixPassword>(std::move(value))), dataType(PASSWORD)
 {
+}
+
+PlixVariant::PlixVariant(const PlixVariant& other)
+    : stringContent(other.stringContent), doubleContent(other.doubleContent),
+      passwordContent(copyOf(other.passwordContent)), intContent(other.intContent),
+      dataType(other.dataType), boolContent(other.boolContent)
+{
+}
+
+PlixVariant& PlixVariant::operator=(const PlixVariant& other)
+{
+    if (this != &other) {
+        PlixVariant copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+PlixPassword& PlixVariant::password()
+{
+    if (!passwordContent) {
+        passwordContent = std::make_unique<PlixPassword>();
+    }
+    return *passwordContent;
+}
+
+const PlixPassword& PlixVariant::passwordOrDefault() const
+{
+    static const PlixPassword none;
+    return passwordContent ? *passwordContent : none;
 }
 
 std::string PlixVariant::asString() const
@@ -72,7 +108,7 @@ bool PlixVariant::asBool() const
 
 PlixPassword PlixVariant::asPlixPassword() const
 {
-    return passwordContent;
+    return passwordOrDefault();
 }
 
 int PlixVariant::getDataType() const
@@ -115,10 +151,11 @@ void PlixVariant::setValueDouble(double value)
 
 void PlixVariant::setValuePassword(PlixPassword value)
 {
-    passwordContent.hashedPassword = std::move(value.hashedPassword);
-    passwordContent.digestName = std::move(value.digestName);
-    passwordContent.iterations = value.iterations;
-    passwordContent.plainTextLength = value.plainTextLength;
+    PlixPassword& content = password();
+    content.hashedPassword = std::move(value.hashedPassword);
+    content.digestName = std::move(value.digestName);
+    content.iterations = value.iterations;
+    content.plainTextLength = value.plainTextLength;
     takeTypeIfNone(PASSWORD);
 }
 
@@ -134,7 +171,7 @@ std::string PlixVariant::getAsString() const
     case DOUBLE:
         return streamText(doubleContent);
     case PASSWORD:
-        return passwordContent.getHashedPassword();
+        return passwordOrDefault().getHashedPassword();
     case NONE:
         break;
     }
@@ -154,10 +191,10 @@ bool PlixVariant::operator==(const PlixVariant& other) const
     // A password is compared by checking the other side's text against it,
     // so a plain candidate and a stored form both work.
     if (dataType == PASSWORD) {
-        return passwordContent == other.getAsString();
+        return passwordOrDefault() == other.getAsString();
     }
     if (other.dataType == PASSWORD) {
-        return other.passwordContent == getAsString();
+        return other.passwordOrDefault() == getAsString();
     }
     if (dataType != other.dataType) {
         return false;

@@ -2,6 +2,7 @@
 
 #include "PlixPassword.h"
 
+#include <memory>
 #include <string>
 
 // The tagged value that every configuration value, D-Bus get/set and
@@ -27,8 +28,10 @@ public:
     explicit PlixVariant(double value);
     explicit PlixVariant(PlixPassword value);
     virtual ~PlixVariant() = default;
-    PlixVariant(const PlixVariant&) = default;
-    PlixVariant& operator=(const PlixVariant&) = default;
+    PlixVariant(const PlixVariant& other);
+    PlixVariant& operator=(const PlixVariant& other);
+    PlixVariant(PlixVariant&&) noexcept = default;
+    PlixVariant& operator=(PlixVariant&&) noexcept = default;
 
     std::string asString() const;
     int asInt() const;
@@ -52,11 +55,17 @@ public:
 
 private:
     void takeTypeIfNone(DataType type);
+    // The password content, made when first written; a variant that has none
+    // reads as a default-constructed password.
+    PlixPassword& password();
+    const PlixPassword& passwordOrDefault() const;
 
-    int intContent = 0;
+    // Largest first, so that a device with many values pays no padding. The
+    // password content is rare and large, so only a password value holds one.
     std::string stringContent;
-    bool boolContent = false;
     double doubleContent = 0.0;
+    std::unique_ptr<PlixPassword> passwordContent;
+    int intContent = 0;
     DataType dataType = NONE;
-    PlixPassword passwordContent;
+    bool boolContent = false;
 };

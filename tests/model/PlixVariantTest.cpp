@@ -131,6 +131,48 @@ TEST(PlixVariant, CopyKeepsTagAndEveryContent)
     EXPECT_DOUBLE_EQ(copy.asDouble(), 1.5);
 }
 
+TEST(PlixVariant, CopyOfAPasswordOwnsItsOwnPasswordContent)
+{
+    FixedSalt salt;
+    PlixVariant original(PlixPassword("secret", "password,sha1,1000", true));
+    const PlixVariant copy(original);
+    original.setValuePassword(PlixPassword("other", "password,sha1,1000", true));
+    EXPECT_EQ(copy.getDataType(), PlixVariant::PASSWORD);
+    EXPECT_EQ(copy.asPlixPassword().getPlainTextLength(), 6);
+    EXPECT_TRUE(copy == PlixVariant("secret"));
+    EXPECT_FALSE(copy == PlixVariant("other"));
+}
+
+TEST(PlixVariant, AssignmentReplacesEveryContentPasswordIncluded)
+{
+    FixedSalt salt;
+    PlixVariant target(PlixPassword("secret", "password,sha1,1000", true));
+    target = PlixVariant(3);
+    EXPECT_EQ(target.getDataType(), PlixVariant::INT);
+    EXPECT_EQ(target.asInt(), 3);
+    EXPECT_EQ(target.asPlixPassword().getHashedPassword(), "");
+    const PlixVariant password(PlixPassword("secret", "password,sha1,1000", true));
+    target = password;
+    EXPECT_EQ(target.getDataType(), PlixVariant::PASSWORD);
+    EXPECT_EQ(target.getAsString(), password.getAsString());
+}
+
+TEST(PlixVariant, SelfAssignmentKeepsTheContent)
+{
+    FixedSalt salt;
+    PlixVariant variant(PlixPassword("secret", "password,sha1,1000", true));
+    const PlixVariant& same = variant;
+    variant = same;
+    EXPECT_TRUE(variant == PlixVariant("secret"));
+}
+
+TEST(PlixVariant, VariantThatNeverHeldAPasswordReadsAsAnEmptyPassword)
+{
+    const PlixVariant variant(1);
+    EXPECT_EQ(variant.asPlixPassword().getHashedPassword(), "");
+    EXPECT_EQ(variant.asPlixPassword().getPlainTextLength(), 0);
+}
+
 TEST(PlixVariant, TextOfBoolIsAWord)
 {
     EXPECT_EQ(PlixVariant(true).getAsString(), "true");
