@@ -39,7 +39,7 @@ PlixVariant::PlixVariant(const char* value) : stringContent(value), dataType(STR
 {
 }
 
-PlixVariant::PlixVariant(bool value) : dataType(BOOL), boolContent(value)
+PlixVariant::PlixVariant(bool value) : boolContent(value), dataType(BOOL)
 {
 }
 
@@ -52,14 +52,14 @@ PlixVariant::PlixVariant(double value) : doubleContent(value), dataType(DOUBLE)
 }
 
 PlixVariant::PlixVariant(PlixPassword value)
-    : passwordContent(std::make_unique<PlixPassword>(std::move(value))), dataType(PASSWORD)
+    : dataType(PASSWORD), passwordContent(std::make_unique<PlixPassword>(std::move(value)))
 {
 }
 
 PlixVariant::PlixVariant(const PlixVariant& other)
-    : stringContent(other.stringContent), doubleContent(other.doubleContent),
-      passwordContent(copyOf(other.passwordContent)), intContent(other.intContent),
-      dataType(other.dataType), boolContent(other.boolContent)
+    : intContent(other.intContent), stringContent(other.stringContent),
+      boolContent(other.boolContent), doubleContent(other.doubleContent), dataType(other.dataType),
+      passwordContent(copyOf(other.passwordContent))
 {
 }
 

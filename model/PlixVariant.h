@@ -60,12 +60,12 @@ private:
     PlixPassword& password();
     const PlixPassword& passwordOrDefault() const;
 
-    // Largest first, so that a device with many values pays no padding. The
-    // password content is rare and large, so only a password value holds one.
-    std::string stringContent;
-    double doubleContent = 0.0;
-    std::unique_ptr<PlixPassword> passwordContent;
     int intContent = 0;
-    DataType dataType = NONE;
+    std::string stringContent;
     bool boolContent = false;
+    double doubleContent = 0.0;
+    DataType dataType = NONE;
+    // A password content is large and rare: only a variant that has been
+    // given one holds it, so that the many other values stay small.
+    std::unique_ptr<PlixPassword> passwordContent;
 };
