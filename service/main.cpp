@@ -3,6 +3,7 @@
 #include "OrvantaDBusHandler.h"
 #include "PlixDaemon.h"
 #include "PlixLog.h"
+#include "PlixMemory.h"
 #include "PlixMonitorInterface.h"
 #include "PlixPidFile.h"
 
@@ -46,6 +47,7 @@ gboolean stopLoop(gpointer loop)
 int main(int argc, char** argv)
 {
     plixLineBufferedOutput();
+    plixGiveLargeBlocksBack();
     daemonizeIfAsked(argc, argv);
 
     if (checkPidFile(serviceName) < 0) {
