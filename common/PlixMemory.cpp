@@ -12,3 +12,10 @@ void plixGiveLargeBlocksBack()
     mallopt(M_MMAP_THRESHOLD, static_cast<int>(plixLargeBlockBytes));
 #endif
 }
+
+void plixReleaseFreedMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}

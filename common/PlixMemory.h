@@ -11,3 +11,7 @@ constexpr std::size_t plixLargeBlockBytes = std::size_t{128} * 1024;
 // first large block is freed and serve later ones from the heap, where a
 // single call with a large argument leaves the service larger for good.
 void plixGiveLargeBlocksBack();
+
+// Gives the pages of freed memory back to the system, once a large piece of
+// work (loading the configuration) has freed what it no longer needs.
+void plixReleaseFreedMemory();

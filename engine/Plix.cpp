@@ -6,14 +6,12 @@
 #include "PlixDataSet.h"
 #include "PlixExit.h"
 #include "PlixLog.h"
+#include "PlixMemory.h"
 #include "PlixValueInput.h"
 #include "PlixXML_Parser.h"
 
 #include <algorithm>
 #include <csignal>
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 namespace {
 
@@ -70,19 +68,12 @@ void Plix::configure(int argc, char** argv)
         configured = true;
     }
     readValuesFromJson();
-    releaseFreedMemory();
+    // Loading reads whole files into memory and frees them again; without a
+    // trim those pages would stay with the idle service for its whole run.
+    plixReleaseFreedMemory();
     if (triggerOnStart) {
         triggerOnChange();
     }
-}
-
-// Loading reads whole files into memory and frees them again; without a
-// trim those pages would stay with the idle service for its whole run.
-void Plix::releaseFreedMemory()
-{
-#ifdef __GLIBC__
-    malloc_trim(0);
-#endif
 }
 
 void Plix::print_usage()

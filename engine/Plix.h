@@ -83,7 +83,6 @@ private:
     // with no transaction open and otherClientCode for another client.
     int refuseNonHolder(const std::string& caller, int otherClientCode) const;
     void readValuesFromJson();
-    static void releaseFreedMemory();
 
     template <typename T>
     int readTyped(const char* operation, const std::string& client, const std::string& xml_id,
