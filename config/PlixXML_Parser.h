@@ -2,7 +2,7 @@
 
 #include "PlixOnChangeBuilder.h"
 #include "PlixValidationBuilder.h"
-#include "PlixValue.h"
+#include "PlixValueTable.h"
 #include "PlixXML_Position.h"
 
 #include <memory>
@@ -26,7 +26,7 @@ struct XML_ParserStruct;
 class PlixXML_Parser
 {
 public:
-    using ValueTable = std::unordered_map<std::string, PlixValue>;
+    using ValueTable = PlixValueTable;
 
     PlixXML_Parser(std::string path, std::string unused, ValueTable* values,
                    PlixJsonModifier* jsonModifier, std::vector<PlixDataSet*>* dataSets);

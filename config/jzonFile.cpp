@@ -9,6 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <vector>
+
 namespace {
 using Json = nlohmann::ordered_json;
 
@@ -75,6 +77,46 @@ Json* walk(Json* element, const std::string& path, std::size_t start, char separ
     return nullptr;
 }
 
+// A member's key is const, so shrink_to_fit would copy each member's whole
+// subtree; here the keys are copied and the values moved into an exact fit.
+void trimMembers(Json::object_t& members)
+{
+    if (members.capacity() == members.size()) {
+        return;
+    }
+    Json::object_t::Container exact;
+    exact.reserve(members.size());
+    for (auto& member : members) {
+        exact.emplace_back(member.first, std::move(member.second));
+    }
+    static_cast<Json::object_t::Container&>(members).swap(exact);
+}
+
+// The parser grows every object and array by doubling it; the document is
+// kept for the whole run, so the room it never uses is given back once. An
+// explicit stack, as a store file may nest deeper than the call stack could.
+void trimToSize(Json& document)
+{
+    std::vector<Json*> pending{&document};
+    while (!pending.empty()) {
+        Json* element = pending.back();
+        pending.pop_back();
+        if (element->is_object()) {
+            auto& members = element->get_ref<Json::object_t&>();
+            trimMembers(members);
+            for (auto& member : members) {
+                pending.push_back(&member.second);
+            }
+        } else if (element->is_array()) {
+            auto& items = element->get_ref<Json::array_t&>();
+            items.shrink_to_fit();
+            for (auto& item : items) {
+                pending.push_back(&item);
+            }
+        }
+    }
+}
+
 } // namespace
 
 jzonFile::jzonFile(std::string path) : path(std::move(path))
@@ -93,7 +135,11 @@ bool jzonFile::read()
         return false;
     }
     document = Json::parse(text, nullptr, false);
-    return !document.is_discarded();
+    if (document.is_discarded()) {
+        return false;
+    }
+    trimToSize(document);
+    return true;
 }
 
 // Only a regular file is read: a FIFO or a device named by mistake would
@@ -136,11 +182,7 @@ Jzon::Node* jzonFile::findNode(std::string jpath)
     if (element == nullptr) {
         return nullptr;
     }
-    auto& node = nodes[element];
-    if (!node) {
-        node = std::make_unique<PlixJzonNode>(*element);
-    }
-    return node.get();
+    return &nodes.try_emplace(element, *element).first->second;
 }
 
 jzonFile::Json* jzonFile::resolve(const std::string& jpath)

@@ -1,14 +1,12 @@
 #pragma once
 
 #include "Jzon.h"
+#include "PlixJzonNode.h"
 
 #include <nlohmann/json.hpp>
 
-#include <memory>
 #include <string>
 #include <unordered_map>
-
-class PlixJzonNode;
 
 // A JSON store document bound to its file. It is read once, changed in place
 // through the nodes that findNode hands out, and written back whole.
@@ -45,5 +43,6 @@ private:
 
     std::string path;
     Json document;
-    std::unordered_map<const Json*, std::unique_ptr<PlixJzonNode>> nodes;
+    // Kept in the map's own entries, which never move.
+    std::unordered_map<const Json*, PlixJzonNode> nodes;
 };

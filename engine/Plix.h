@@ -2,7 +2,7 @@
 
 #include "PlixClientTimeout.h"
 #include "PlixJsonModifier.h"
-#include "PlixValue.h"
+#include "PlixValueTable.h"
 #include "PlixValueListing.h"
 #include "PlixVariant.h"
 
@@ -22,7 +22,7 @@ class PlixXML_Parser;
 class Plix
 {
 public:
-    using ValueMap = std::unordered_map<std::string, PlixValue>;
+    using ValueMap = PlixValueTable;
     // Told after every change that took effect: a commit that changed values
     // (their XML-IDs in the order of the transaction, and its persistent
     // flag) and a transient set (its XML-ID, persistent false).

@@ -2,6 +2,9 @@
 
 #include "PlixValue.h"
 
+#include <algorithm>
+#include <stdexcept>
+
 // The by-name map and the verify mark are not copied: a copy is a snapshot of
 // the members' order, not a place to look members up.
 PlixDataSet::PlixDataSet(const PlixDataSet& other)
@@ -13,13 +16,43 @@ PlixDataSet::PlixDataSet(const PlixDataSet& other)
 void PlixDataSet::insertPlixValue(PlixValue* value)
 {
     values.push_back(value);
-    // emplace keeps the first value of a name; later ones stay in the list.
-    valuesByName.emplace(value->getName(), value);
+    valuesByName.push_back(value);
 }
 
 PlixValue* PlixDataSet::getValue(std::string name) const
 {
-    return valuesByName.at(name);
+    sortInNewNames();
+    const auto found = std::lower_bound(valuesByName.begin(), valuesByName.end(), name,
+                                        [](const PlixValue* member, const std::string& wanted) {
+                                            return member->getName() < wanted;
+                                        });
+    if (found == valuesByName.end() || (*found)->getName() != name) {
+        throw std::out_of_range("map::at");
+    }
+    return *found;
+}
+
+// The sorted head was inserted before the tail, and both sort and merge are
+// stable, so among members of one name the first inserted comes first and
+// is the one kept.
+void PlixDataSet::sortInNewNames() const
+{
+    if (sortedByName == valuesByName.size()) {
+        return;
+    }
+    const auto byName = [](const PlixValue* a, const PlixValue* b) {
+        return a->getName() < b->getName();
+    };
+    const auto sameName = [](const PlixValue* a, const PlixValue* b) {
+        return a->getName() == b->getName();
+    };
+    const auto tail = valuesByName.begin() + static_cast<std::ptrdiff_t>(sortedByName);
+    std::stable_sort(tail, valuesByName.end(), byName);
+    std::inplace_merge(valuesByName.begin(), tail, valuesByName.end(), byName);
+    valuesByName.erase(std::unique(valuesByName.begin(), valuesByName.end(), sameName),
+                       valuesByName.end());
+    valuesByName.shrink_to_fit();
+    sortedByName = valuesByName.size();
 }
 
 PlixVariant PlixDataSet::getAsVariant(std::string name) const

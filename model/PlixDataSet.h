@@ -2,7 +2,7 @@
 
 #include "PlixVariant.h"
 
-#include <map>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -50,9 +50,16 @@ public:
     void resetVerify() { verify = false; }
 
 private:
+    void sortInNewNames() const;
+
     PlixFile* file = nullptr;
     std::vector<PlixValue*> values;
-    std::map<std::string, PlixValue*> valuesByName;
+    // The members by name: a flat map sorted byte-wise by name that holds
+    // the first member of each name. An insert appends to its tail and the
+    // next look-up sorts the tail in, so a member costs one pointer rather
+    // than a tree node, and loading a large set stays n log n.
+    mutable std::vector<PlixValue*> valuesByName;
+    mutable std::size_t sortedByName = 0;
     std::vector<PlixDatasetOnChangeHandler*> onChangeHandlers;
     std::string name;
     std::vector<PlixDatasetValidator*> validators;

@@ -7,6 +7,7 @@
 #include "PlixNumber.h"
 
 #include <cstdlib>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -23,21 +24,32 @@ void keepIn(std::unique_ptr<PlixVariant>& slot, PlixVariant v)
     }
 }
 
+const std::string* sharedTypeText(std::string text)
+{
+    static std::unordered_set<std::string> texts;
+    return &*texts.insert(std::move(text)).first;
+}
+
 } // namespace
 
 PlixValue::PlixValue(std::string name, PlixDataSet& dataSet)
-    : name(std::move(name)), dataSet(dataSet)
+    : name(std::move(name)), valueType(sharedTypeText("")), dataSet(dataSet)
 {
 }
 
 // The value type is left out on purpose: the loader inserts the copy into the
 // value table before it has read the type, and sets it on the copy.
 PlixValue::PlixValue(const PlixValue& other)
-    : name(other.name), jpath(other.jpath), dataSet(other.dataSet),
+    : name(other.name), jpath(other.jpath), valueType(sharedTypeText("")), dataSet(other.dataSet),
       onChangeHandlers(other.onChangeHandlers), validator(other.validator),
       currentValue(other.currentValue), jsonNode(other.jsonNode), linkedValue(other.linkedValue),
       oldValueValid(other.oldValueValid), isInJson(other.isInJson), linked(other.linked)
 {
+}
+
+void PlixValue::setValueType(std::string type)
+{
+    valueType = sharedTypeText(std::move(type));
 }
 
 void PlixValue::setValueInJsonWillBeReadFromPreviousPlixValue(PlixValue* earlier)
@@ -119,16 +131,17 @@ void PlixValue::setDefaultValue(PlixVariant v)
 void PlixValue::setXML_Default_value(std::string text)
 {
     isInJson = false;
-    if (valueType == "string") {
+    const std::string& type = *valueType;
+    if (type == "string") {
         setDefaultValue(PlixVariant(text));
-    } else if (valueType == "int") {
+    } else if (type == "int") {
         setDefaultValue(PlixVariant(plixStrtoInt(text.c_str())));
-    } else if (valueType == "bool") {
+    } else if (type == "bool") {
         setDefaultValue(PlixVariant(text == "true"));
-    } else if (valueType == "double" || valueType == "float") {
+    } else if (type == "double" || type == "float") {
         setDefaultValue(PlixVariant(std::strtod(text.c_str(), nullptr)));
-    } else if (valueType.find("password") != std::string::npos) {
-        setDefaultValue(PlixVariant(PlixPassword(text, valueType, true)));
+    } else if (type.find("password") != std::string::npos) {
+        setDefaultValue(PlixVariant(PlixPassword(text, type, true)));
     }
     // Any other type has no conversion: the value stays without content.
 }
@@ -142,15 +155,16 @@ void PlixValue::changeJsonNode()
         return;
     }
     const PlixVariant content = getValue();
+    const std::string& type = *valueType;
     if (jsonNode->IsString()) {
         jsonNode->AsValue().Set(content.getAsString());
     } else if (jsonNode->IsNumber()) {
-        if (valueType == "int") {
+        if (type == "int") {
             jsonNode->AsValue().Set(content.asInt());
-        } else if (valueType == "double" || valueType == "float") {
+        } else if (type == "double" || type == "float") {
             jsonNode->AsValue().Set(content.asDouble());
         }
-    } else if (jsonNode->IsBool() && valueType == "bool") {
+    } else if (jsonNode->IsBool() && type == "bool") {
         jsonNode->AsValue().Set(content.asBool());
     }
     // The file is rewritten even when the node kept its text, so that the

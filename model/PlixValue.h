@@ -27,11 +27,11 @@ public:
     PlixValue& operator=(const PlixValue&) = delete;
     virtual ~PlixValue() = default;
 
-    std::string getName() const { return name; }
+    const std::string& getName() const { return name; }
     std::string getJPath() const { return jpath; }
     void setJPath(std::string path) { jpath = std::move(path); }
-    std::string getValueType() const { return valueType; }
-    void setValueType(std::string type) { valueType = std::move(type); }
+    std::string getValueType() const { return *valueType; }
+    void setValueType(std::string type);
     PlixDataSet& getDataSet() const { return dataSet; }
     PlixValueValidator* getValueValidator() const { return validator; }
     void setValidator(PlixValueValidator* v) { validator = v; }
@@ -66,7 +66,9 @@ private:
 
     std::string name;
     std::string jpath;
-    std::string valueType;
+    // Thousands of values share a handful of type texts: each value points
+    // at the one copy of its text, kept for the whole run.
+    const std::string* valueType;
     PlixDataSet& dataSet;
     std::vector<PlixValueOnChangeHandler*> onChangeHandlers;
     PlixValueValidator* validator = nullptr;

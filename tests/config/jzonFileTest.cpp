@@ -136,6 +136,51 @@ TEST_F(jzonFileTest, ReadRefusesAFifoWithoutBlocking)
     EXPECT_FALSE(jzonFile(dir.path("fifo")).read());
 }
 
+TEST_F(jzonFileTest, ReadsADocumentNestedDeeperThanTheCallStackWouldAllow)
+{
+    const std::size_t depth = 200000;
+    const std::string text = std::string(depth, '[') + "7" + std::string(depth, ']');
+    jzonFile deep(dir.write("deep.json", text));
+    ASSERT_TRUE(deep.read());
+    EXPECT_NE(deep.findNode("/0/0/0"), nullptr);
+    EXPECT_EQ(deep.findNode("/1"), nullptr);
+}
+
+TEST_F(jzonFileTest, ReadsObjectsNestedDeeperThanTheCallStackWouldAllow)
+{
+    const std::size_t depth = 200000;
+    std::string text;
+    for (std::size_t i = 0; i < depth; ++i) {
+        text += "{\"a\": 1, \"b\": 2, \"c\": ";
+    }
+    text += "3" + std::string(depth, '}');
+    jzonFile deep(dir.write("deep.json", text));
+    ASSERT_TRUE(deep.read());
+    EXPECT_EQ(deep.findNode("c.c.b")->ToInt(), 2);
+    EXPECT_EQ(deep.findNode("c.c.d"), nullptr);
+}
+
+TEST_F(jzonFileTest, EveryMemberAndItemIsFoundAfterReadingAGrownDocument)
+{
+    std::string text = "{\"list\": [";
+    for (int i = 0; i < 100; ++i) {
+        text += (i == 0 ? "" : ", ") + std::to_string(i);
+    }
+    text += "], \"m\": {";
+    for (int i = 0; i < 100; ++i) {
+        text += std::string(i == 0 ? "" : ", ") + "\"k" + std::to_string(i) +
+                "\": " + std::to_string(i);
+    }
+    text += "}}";
+    jzonFile grown(dir.write("grown.json", text));
+    ASSERT_TRUE(grown.read());
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(grown.findNode("list." + std::to_string(i))->ToInt(), i);
+        EXPECT_EQ(grown.findNode("m.k" + std::to_string(i))->ToInt(), i);
+    }
+    EXPECT_EQ(grown.findNode("m.k0"), grown.findNode("/m/k0"));
+}
+
 TEST_F(jzonFileTest, UnresolvedDocumentFindsNothingAfterAFailedRead)
 {
     jzonFile bad(dir.write("bad.json", "["));

@@ -6,7 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -83,6 +86,40 @@ TEST(PlixDataSet, ValuesKeepDeclarationOrder)
     EXPECT_EQ(dataSet.getValue("alpha"), &alpha);
 }
 
+TEST(PlixDataSet, ValueOfANameInsertedAfterALookupIsFoundAndTheFirstStillWins)
+{
+    PlixDataSet dataSet;
+    PlixValue ip("ip", dataSet);
+    PlixValue mask("mask", dataSet);
+    PlixValue laterIp("ip", dataSet);
+    PlixValue gateway("gateway", dataSet);
+    dataSet.insertPlixValue(&ip);
+    dataSet.insertPlixValue(&mask);
+    EXPECT_EQ(dataSet.getValue("ip"), &ip);
+    dataSet.insertPlixValue(&laterIp);
+    dataSet.insertPlixValue(&gateway);
+    EXPECT_EQ(dataSet.getValue("ip"), &ip);
+    EXPECT_EQ(dataSet.getValue("gateway"), &gateway);
+    EXPECT_EQ(dataSet.getValue("mask"), &mask);
+    EXPECT_EQ(dataSet.getValues().size(), 4U);
+}
+
+TEST(PlixDataSet, EveryMemberOfALargeSetIsFoundByItsExactName)
+{
+    PlixDataSet dataSet;
+    std::vector<std::unique_ptr<PlixValue>> members;
+    for (int i = 999; i >= 0; --i) {
+        members.push_back(std::make_unique<PlixValue>("v" + std::to_string(i), dataSet));
+        dataSet.insertPlixValue(members.back().get());
+    }
+    for (const auto& member : members) {
+        EXPECT_EQ(dataSet.getValue(member->getName()), member.get());
+    }
+    EXPECT_EQ(lookupError([&] { dataSet.getValue("v"); }), "map::at");
+    EXPECT_EQ(lookupError([&] { dataSet.getValue("v1000"); }), "map::at");
+    EXPECT_EQ(lookupError([&] { dataSet.getValue("V1"); }), "map::at");
+}
+
 TEST(PlixDataSet, GetValueOfAnotherDataSetsNameThrowsMapAt)
 {
     PlixDataSet eth0;
@@ -120,6 +157,20 @@ TEST(PlixDataSet, CopyKeepsItsValuesButFindsNoValueByName)
     EXPECT_EQ(copy.getValues(), original.getValues());
     EXPECT_EQ(lookupError([&] { copy.getValue("ip"); }), "map::at");
     EXPECT_EQ(lookupError([&] { copy.getAsVariant("ip"); }), "map::at");
+}
+
+TEST(PlixDataSet, CopyFindsOnlyTheValuesInsertedIntoItAfterward)
+{
+    PlixDataSet original;
+    PlixValue ip("ip", original);
+    PlixValue copyIp("ip", original);
+    original.insertPlixValue(&ip);
+    EXPECT_EQ(original.getValue("ip"), &ip);
+    PlixDataSet copy(original);
+    copy.insertPlixValue(&copyIp);
+    EXPECT_EQ(copy.getValue("ip"), &copyIp);
+    EXPECT_EQ(original.getValue("ip"), &ip);
+    EXPECT_EQ(copy.getValues().size(), 2U);
 }
 
 TEST(PlixDataSet, CopyKeepsNameFileHandlersAndValidatorsButNotTheMark)

@@ -125,6 +125,16 @@ TEST_F(PlixValueTest, PlainAccessorsKeepWhatWasSet)
     EXPECT_EQ(value.getValueValidator(), &validator);
 }
 
+TEST_F(PlixValueTest, ValuesOfOneTypeKeepTheirTypeWhenAnotherChangesItsOwn)
+{
+    PlixValue mask{"mask", dataSet};
+    value.setValueType("password,sha256,1000");
+    mask.setValueType("password,sha256,1000");
+    value.setValueType("string");
+    EXPECT_EQ(mask.getValueType(), "password,sha256,1000");
+    EXPECT_EQ(value.getValueType(), "string");
+}
+
 TEST_F(PlixValueTest, LaterValidatorReplacesEarlierOne)
 {
     CountingValidator first(value, 0);
