@@ -93,8 +93,9 @@ void trimMembers(Json::object_t& members)
 }
 
 // The parser grows every object and array by doubling it; the document is
-// kept for the whole run, so the room it never uses is given back once. An
-// explicit stack, as a store file may nest deeper than the call stack could.
+// kept for the whole run, so the room it never uses is given back once. The
+// parser reads any nesting without recursion, and so does the trim: reading
+// a file must not be what overflows the call stack.
 void trimToSize(Json& document)
 {
     std::vector<Json*> pending{&document};

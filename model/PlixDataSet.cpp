@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-// The by-name map and the verify mark are not copied: a copy is a snapshot of
+// The by-name index and the verify mark are not copied: a copy is a snapshot of
 // the members' order, not a place to look members up.
 PlixDataSet::PlixDataSet(const PlixDataSet& other)
     : file(other.file), values(other.values), onChangeHandlers(other.onChangeHandlers),
@@ -51,7 +51,6 @@ void PlixDataSet::sortInNewNames() const
     std::inplace_merge(valuesByName.begin(), tail, valuesByName.end(), byName);
     valuesByName.erase(std::unique(valuesByName.begin(), valuesByName.end(), sameName),
                        valuesByName.end());
-    valuesByName.shrink_to_fit();
     sortedByName = valuesByName.size();
 }
 

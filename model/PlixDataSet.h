@@ -17,8 +17,8 @@ class PlixDataSet
 {
 public:
     PlixDataSet() = default;
-    // Copies everything but the by-name map and the verify mark: a copy finds
-    // no member by name.
+    // Copies everything but the by-name index and the verify mark: a copy
+    // finds no member by name.
     PlixDataSet(const PlixDataSet& other);
     PlixDataSet& operator=(const PlixDataSet&) = delete;
     virtual ~PlixDataSet() = default;
@@ -57,7 +57,9 @@ private:
     // The members by name: a flat map sorted byte-wise by name that holds
     // the first member of each name. An insert appends to its tail and the
     // next look-up sorts the tail in, so a member costs one pointer rather
-    // than a tree node, and loading a large set stays n log n.
+    // than a tree node. Members are looked up by name at commit, after the
+    // whole set is loaded and on the one thread that owns the model, so the
+    // tail is sorted in once and the const look-up may do it.
     mutable std::vector<PlixValue*> valuesByName;
     mutable std::size_t sortedByName = 0;
     std::vector<PlixDatasetOnChangeHandler*> onChangeHandlers;

@@ -24,23 +24,30 @@ void keepIn(std::unique_ptr<PlixVariant>& slot, PlixVariant v)
     }
 }
 
+// Made while loading, on the one thread that owns the model.
 const std::string* sharedTypeText(std::string text)
 {
     static std::unordered_set<std::string> texts;
     return &*texts.insert(std::move(text)).first;
 }
 
+const std::string* noType()
+{
+    static const std::string* const none = sharedTypeText("");
+    return none;
+}
+
 } // namespace
 
 PlixValue::PlixValue(std::string name, PlixDataSet& dataSet)
-    : name(std::move(name)), valueType(sharedTypeText("")), dataSet(dataSet)
+    : name(std::move(name)), valueType(noType()), dataSet(dataSet)
 {
 }
 
 // The value type is left out on purpose: the loader inserts the copy into the
 // value table before it has read the type, and sets it on the copy.
 PlixValue::PlixValue(const PlixValue& other)
-    : name(other.name), jpath(other.jpath), valueType(sharedTypeText("")), dataSet(other.dataSet),
+    : name(other.name), jpath(other.jpath), valueType(noType()), dataSet(other.dataSet),
       onChangeHandlers(other.onChangeHandlers), validator(other.validator),
       currentValue(other.currentValue), jsonNode(other.jsonNode), linkedValue(other.linkedValue),
       oldValueValid(other.oldValueValid), isInJson(other.isInJson), linked(other.linked)

@@ -174,11 +174,15 @@ TEST_F(jzonFileTest, EveryMemberAndItemIsFoundAfterReadingAGrownDocument)
     text += "}}";
     jzonFile grown(dir.write("grown.json", text));
     ASSERT_TRUE(grown.read());
+    Jzon::Node* first = grown.findNode("m.k0");
     for (int i = 0; i < 100; ++i) {
         EXPECT_EQ(grown.findNode("list." + std::to_string(i))->ToInt(), i);
         EXPECT_EQ(grown.findNode("m.k" + std::to_string(i))->ToInt(), i);
     }
-    EXPECT_EQ(grown.findNode("m.k0"), grown.findNode("/m/k0"));
+    EXPECT_EQ(grown.findNode("/m/k0"), first);
+    first->AsValue().Set(-1);
+    EXPECT_EQ(grown.findNode("m.k0")->ToInt(), -1);
+    EXPECT_EQ(grown.findNode("m.k1")->ToInt(), 1);
 }
 
 TEST_F(jzonFileTest, UnresolvedDocumentFindsNothingAfterAFailedRead)

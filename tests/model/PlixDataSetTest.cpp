@@ -120,6 +120,27 @@ TEST(PlixDataSet, EveryMemberOfALargeSetIsFoundByItsExactName)
     EXPECT_EQ(lookupError([&] { dataSet.getValue("V1"); }), "map::at");
 }
 
+TEST(PlixDataSet, FirstOfEachRepeatedNameIsFoundAmongManyBeforeAndAfterALookup)
+{
+    PlixDataSet dataSet;
+    std::vector<std::unique_ptr<PlixValue>> members;
+    const auto insertRound = [&] {
+        for (int i = 0; i < 60; ++i) {
+            members.push_back(std::make_unique<PlixValue>("v" + std::to_string(i % 5), dataSet));
+            dataSet.insertPlixValue(members.back().get());
+        }
+    };
+    insertRound();
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(dataSet.getValue("v" + std::to_string(i)), members[i].get()) << i;
+    }
+    insertRound();
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(dataSet.getValue("v" + std::to_string(i)), members[i].get()) << i;
+    }
+    EXPECT_EQ(dataSet.getValues().size(), 120U);
+}
+
 TEST(PlixDataSet, GetValueOfAnotherDataSetsNameThrowsMapAt)
 {
     PlixDataSet eth0;
