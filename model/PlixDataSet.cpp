@@ -32,24 +32,21 @@ PlixValue* PlixDataSet::getValue(std::string name) const
     return *found;
 }
 
-// The sorted head was inserted before the tail, and both sort and merge are
-// stable, so among members of one name the first inserted comes first and
-// is the one kept.
+// A stable sort keeps members of one name in the order they were inserted
+// (the part sorted before holds only earlier ones), so the first inserted
+// comes first and is the one kept.
 void PlixDataSet::sortInNewNames() const
 {
     if (sortedByName == valuesByName.size()) {
         return;
     }
-    const auto byName = [](const PlixValue* a, const PlixValue* b) {
-        return a->getName() < b->getName();
-    };
-    const auto sameName = [](const PlixValue* a, const PlixValue* b) {
-        return a->getName() == b->getName();
-    };
-    const auto tail = valuesByName.begin() + static_cast<std::ptrdiff_t>(sortedByName);
-    std::stable_sort(tail, valuesByName.end(), byName);
-    std::inplace_merge(valuesByName.begin(), tail, valuesByName.end(), byName);
-    valuesByName.erase(std::unique(valuesByName.begin(), valuesByName.end(), sameName),
+    std::stable_sort(
+        valuesByName.begin(), valuesByName.end(),
+        [](const PlixValue* a, const PlixValue* b) { return a->getName() < b->getName(); });
+    valuesByName.erase(std::unique(valuesByName.begin(), valuesByName.end(),
+                                   [](const PlixValue* a, const PlixValue* b) {
+                                       return a->getName() == b->getName();
+                                   }),
                        valuesByName.end());
     sortedByName = valuesByName.size();
 }

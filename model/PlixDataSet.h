@@ -55,11 +55,11 @@ private:
     PlixFile* file = nullptr;
     std::vector<PlixValue*> values;
     // The members by name: a flat map sorted byte-wise by name that holds
-    // the first member of each name. An insert appends to its tail and the
-    // next look-up sorts the tail in, so a member costs one pointer rather
-    // than a tree node. Members are looked up by name at commit, after the
-    // whole set is loaded and on the one thread that owns the model, so the
-    // tail is sorted in once and the const look-up may do it.
+    // the first member of each name. An insert appends to it and the next
+    // look-up sorts it again, so a member costs one pointer rather than a
+    // tree node. Members are looked up by name at commit, after the whole
+    // set is loaded and on the one thread that owns the model, so it is
+    // sorted once and the const look-up may do it.
     mutable std::vector<PlixValue*> valuesByName;
     mutable std::size_t sortedByName = 0;
     std::vector<PlixDatasetOnChangeHandler*> onChangeHandlers;
