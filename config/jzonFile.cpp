@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <utility>
 #include <vector>
 
 namespace {
@@ -92,32 +93,41 @@ void trimMembers(Json::object_t& members)
     static_cast<Json::object_t::Container&>(members).swap(exact);
 }
 
+// Deeper than any configuration needs, and well within what the writer, which
+// recurses once per level, can take even on a 512 KiB call stack.
+constexpr std::size_t kMaxNesting = 1000;
+
 // The parser grows every object and array by doubling it; the document is
 // kept for the whole run, so the room it never uses is given back once. The
-// parser reads any nesting without recursion, and so does the trim: reading
-// a file must not be what overflows the call stack.
-void trimToSize(Json& document)
+// parser reads any nesting without recursion, and so does this walk: a file
+// nested too deep to be written back is refused here, when it is read, and
+// not found out by a commit that overflows the call stack. False for such a
+// document, which is then left half trimmed.
+bool trimToSize(Json& document)
 {
-    std::vector<Json*> pending{&document};
+    std::vector<std::pair<Json*, std::size_t>> pending{{&document, 0}};
     while (!pending.empty()) {
-        Json* element = pending.back();
+        auto [element, depth] = pending.back();
         pending.pop_back();
+        if (element->is_structured() && depth == kMaxNesting) {
+            return false;
+        }
         if (element->is_object()) {
             auto& members = element->get_ref<Json::object_t&>();
             trimMembers(members);
             for (auto& member : members) {
-                pending.push_back(&member.second);
+                pending.emplace_back(&member.second, depth + 1);
             }
         } else if (element->is_array()) {
             auto& items = element->get_ref<Json::array_t&>();
             items.shrink_to_fit();
             for (auto& item : items) {
-                pending.push_back(&item);
+                pending.emplace_back(&item, depth + 1);
             }
         }
     }
+    return true;
 }
-
 } // namespace
 
 jzonFile::jzonFile(std::string path) : path(std::move(path))
@@ -136,11 +146,10 @@ bool jzonFile::read()
         return false;
     }
     document = Json::parse(text, nullptr, false);
-    if (document.is_discarded()) {
-        return false;
+    if (!document.is_discarded() && !trimToSize(document)) {
+        document = Json(Json::value_t::discarded);
     }
-    trimToSize(document);
-    return true;
+    return !document.is_discarded();
 }
 
 // Only a regular file is read: a FIFO or a device named by mistake would

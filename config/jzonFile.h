@@ -24,7 +24,8 @@ public:
     jzonFile& operator=(const jzonFile&) = delete;
 
     // Loads and parses the file; false when it is not a readable regular
-    // file or not JSON. Nodes handed out before are no longer valid.
+    // file, not JSON, or nests its arrays and objects more than 1000 deep.
+    // Nodes handed out before are no longer valid.
     bool read();
     // Replaces the file atomically and durably with the document, keeping
     // the file's mode; on failure logs why and leaves the old file intact.

@@ -213,9 +213,12 @@ TEST_F(PlixJsonModifierTest, JsonFileThatCannotBeReadEndsWithStatus1)
                                          "[NFO] Shutting down plix!"}));
 }
 
-TEST_F(PlixJsonModifierTest, JsonFileThatDoesNotParseEndsWithStatus1)
+namespace {
+// Loading a configuration whose only store file "broken" holds the text ends
+// the process as for a file that cannot be opened.
+void expectStoreTextEndsWithStatus1(PlixLoadedConfig& config, const std::string& text)
 {
-    std::string broken = config.dir.write("broken.json", "{\"a\": ");
+    std::string broken = config.dir.write("broken.json", text);
     EXPECT_EXIT(
         {
             PlixLoadedConfig::stdoutToStderr();
@@ -225,6 +228,19 @@ TEST_F(PlixJsonModifierTest, JsonFileThatDoesNotParseEndsWithStatus1)
         PlixLoadedConfig::endsWithLines(
             {"[ERR] cannot open .json file: broken under path " + broken,
              "[NFO] Shutting down plix!"}));
+}
+} // namespace
+
+TEST_F(PlixJsonModifierTest, JsonFileThatDoesNotParseEndsWithStatus1)
+{
+    expectStoreTextEndsWithStatus1(config, "{\"a\": ");
+}
+
+// Such a file could never be written back by a commit.
+TEST_F(PlixJsonModifierTest, JsonFileNestedDeeperThanAThousandLevelsEndsWithStatus1)
+{
+    expectStoreTextEndsWithStatus1(config, "{\"a\": " + std::string(1001, '[') +
+                                               std::string(1001, ']') + "}");
 }
 
 TEST_F(PlixJsonModifierTest, JpathNotFoundEndsWithStatus5)

@@ -136,28 +136,56 @@ TEST_F(jzonFileTest, ReadRefusesAFifoWithoutBlocking)
     EXPECT_FALSE(jzonFile(dir.path("fifo")).read());
 }
 
-TEST_F(jzonFileTest, ReadsADocumentNestedDeeperThanTheCallStackWouldAllow)
+namespace {
+std::string nestedArrays(std::size_t depth)
 {
-    const std::size_t depth = 200000;
-    const std::string text = std::string(depth, '[') + "7" + std::string(depth, ']');
-    jzonFile deep(dir.write("deep.json", text));
+    return std::string(depth, '[') + "7" + std::string(depth, ']');
+}
+} // namespace
+
+TEST_F(jzonFileTest, ReadsAndRewritesArraysNestedAThousandDeep)
+{
+    jzonFile deep(dir.write("deep.json", nestedArrays(1000)));
     ASSERT_TRUE(deep.read());
-    EXPECT_NE(deep.findNode("/0/0/0"), nullptr);
-    EXPECT_EQ(deep.findNode("/1"), nullptr);
+    std::string innermost;
+    for (int level = 0; level < 1000; ++level) {
+        innermost += "/0";
+    }
+    deep.findNode(innermost)->AsValue().Set(8);
+    ASSERT_TRUE(deep.write());
+    jzonFile reread(dir.path("deep.json"));
+    ASSERT_TRUE(reread.read());
+    EXPECT_EQ(reread.findNode(innermost)->ToInt(), 8);
 }
 
-TEST_F(jzonFileTest, ReadsObjectsNestedDeeperThanTheCallStackWouldAllow)
+TEST_F(jzonFileTest, RefusesArraysNestedOneLevelTooDeep)
 {
-    const std::size_t depth = 200000;
+    jzonFile deep(dir.write("deep.json", nestedArrays(1001)));
+    EXPECT_FALSE(deep.read());
+    EXPECT_EQ(deep.findNode("/0"), nullptr);
+}
+
+// Neither the parser nor the check of the depth may recurse: a document far
+// deeper than the call stack could take is refused, not a crash.
+TEST_F(jzonFileTest, RefusesArraysNestedDeeperThanTheCallStackWouldAllow)
+{
+    EXPECT_FALSE(jzonFile(dir.write("deep.json", nestedArrays(200000))).read());
+}
+
+TEST_F(jzonFileTest, RefusesObjectsNestedDeeperThanTheCallStackWouldAllow)
+{
     std::string text;
-    for (std::size_t i = 0; i < depth; ++i) {
+    for (std::size_t i = 0; i < 200000; ++i) {
         text += "{\"a\": 1, \"b\": 2, \"c\": ";
     }
-    text += "3" + std::string(depth, '}');
-    jzonFile deep(dir.write("deep.json", text));
-    ASSERT_TRUE(deep.read());
-    EXPECT_EQ(deep.findNode("c.c.b")->ToInt(), 2);
-    EXPECT_EQ(deep.findNode("c.c.d"), nullptr);
+    text += "3" + std::string(200000, '}');
+    EXPECT_FALSE(jzonFile(dir.write("deep.json", text)).read());
+}
+
+TEST_F(jzonFileTest, ADeepMemberBesideShallowOnesIsRefusedToo)
+{
+    const std::string text = "{\"a\": 1, \"b\": [2], \"c\": " + nestedArrays(1000) + "}";
+    EXPECT_FALSE(jzonFile(dir.write("deep.json", text)).read());
 }
 
 TEST_F(jzonFileTest, EveryMemberAndItemIsFoundAfterReadingAGrownDocument)
