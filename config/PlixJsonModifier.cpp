@@ -57,12 +57,6 @@ bool contentOfNode(const Jzon::Node& node, const std::string& type, PlixVariant&
     }
     return node.IsString() && contentOfString(node.ToString(), type, content);
 }
-
-std::string fileNameOf(const PlixValue& value)
-{
-    const PlixFile* file = value.getDataSet().getFile();
-    return file == nullptr ? std::string() : file->getName();
-}
 } // namespace
 
 PlixJsonModifier::PlixJsonModifier() = default;
@@ -77,6 +71,7 @@ void PlixJsonModifier::add_panel_file(PlixFile* file)
                 file->getPath().c_str());
         plixShutDown(1);
     }
+    recordsByName[file->getName()].push_back(records.size());
     records.push_back(Panel_file{file, std::move(document)});
 }
 
@@ -86,11 +81,13 @@ int PlixJsonModifier::get_value(PlixValue* value)
         return 0;
     }
     bool linked = value->valueInJsonWillBeReadFromPreviousPlixValue();
-    bool hasFile = value->getDataSet().getFile() != nullptr;
-    const std::string fileName = fileNameOf(*value);
-    for (Panel_file& record : records) {
-        if (!linked && hasFile && record.file->getName() == fileName) {
-            readFrom(record, value);
+    const PlixFile* file = value->getDataSet().getFile();
+    if (!linked && file != nullptr) {
+        auto named = recordsByName.find(file->getName());
+        if (named != recordsByName.end()) {
+            for (std::size_t index : named->second) {
+                readFrom(records[index], value);
+            }
         }
     }
     PlixValue* earlier = value->getLinkedPlixValueObject();

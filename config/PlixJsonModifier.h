@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 class PlixFile;
@@ -36,4 +39,8 @@ private:
     void readFrom(Panel_file& record, PlixValue* value);
 
     std::vector<Panel_file> records;
+    // The records of each file name, in declaration order: a value reads
+    // from every file of its data set's file name without comparing its
+    // name with every declared file's.
+    std::unordered_map<std::string, std::vector<std::size_t>> recordsByName;
 };

@@ -199,6 +199,23 @@ TEST_F(PlixJsonModifierTest, ALinkedValueIsNotLookedUpInItsOwnFile)
     EXPECT_EQ(config.value("e/b").getValue(), PlixVariant("alpha"));
 }
 
+// A name declared twice names two files; a value of that name's data set is
+// read from each, in declaration order, and keeps the last one's content.
+TEST_F(PlixJsonModifierTest, AValueIsReadFromEveryFileOfItsFileNameInDeclarationOrder)
+{
+    std::string other = config.dir.write("other.json", R"({"general": {"name": "beta"}})");
+    testing::internal::CaptureStdout();
+    config.load(panel() + "<Panel_file name=\"store\">" + other + "</Panel_file>" +
+                "<DataSet ID=\"d\"><File>store</File>" + value("n", "string", "general.name") +
+                "</DataSet>");
+    config.readAll();
+    Lines lines = PlixLoadedConfig::lines(testing::internal::GetCapturedStdout());
+    EXPECT_EQ(contentOf("n"), PlixVariant("beta"));
+    EXPECT_EQ(
+        std::count(lines.begin(), lines.end(), "[NOT] Read json value under path: general.name"),
+        2);
+}
+
 TEST_F(PlixJsonModifierTest, JsonFileThatCannotBeReadEndsWithStatus1)
 {
     std::string missing = config.dir.path("missing.json");
