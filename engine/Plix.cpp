@@ -178,6 +178,7 @@ void Plix::clear_plix()
     }
     markedDataSets.clear();
     changedValues.clear();
+    inTransaction.clear();
     client = idleClient;
     persistent = true;
     timeout.cancel();
@@ -196,11 +197,10 @@ void Plix::client_timeout_proxy(int)
 
 int Plix::check_for_duplicate_change_values(ValueMap::iterator value)
 {
-    const auto earlier = std::find(changedValues.begin(), changedValues.end(), value);
-    if (earlier == changedValues.end()) {
+    if (inTransaction.erase(&value->second) == 0) {
         return 0;
     }
-    changedValues.erase(earlier);
+    changedValues.erase(std::find(changedValues.begin(), changedValues.end(), value));
     plixLog(LOG_NOTICE,
             "SetValue with same XML-ID was already called this transaction. Taking last parameters "
             "and erasing the ones before");
@@ -284,6 +284,7 @@ int Plix::setvalue_template(std::string client, std::string xml_id, PlixVariant 
     timeout.arm();
     const int replaced = check_for_duplicate_change_values(entry);
     changedValues.push_back(entry);
+    inTransaction.insert(&entry->second);
     return replaced;
 }
 

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 class PlixDataSet;
@@ -109,6 +110,11 @@ private:
     std::unordered_map<const PlixDataSet*, std::size_t> declarationOrder;
     ValueMap values;
     std::vector<ValueMap::iterator> changedValues;
+    // The values in changedValues: a set learns whether its value was set
+    // before in this transaction without a walk through the whole list, which
+    // would make a transaction of many sets, or an Apply of many values,
+    // take time that grows with their square.
+    std::unordered_set<const PlixValue*> inTransaction;
     bool persistent;
     std::string xmlConfigPath;
     bool configured;

@@ -62,6 +62,32 @@ TEST_F(PlixWriteTest, ThirdSetOfSameIdReturns1AndListIsBThenA)
     EXPECT_THAT(actionLog(), ElementsAre("value-s x", "value-i 11", "dataset-a"));
 }
 
+TEST_F(PlixWriteTest, EachFurtherSetOfTheSameIdReturns1AndTheLastIsApplied)
+{
+    start();
+    ASSERT_EQ(engine->setIntValue("client-a", "a/i", 10), 0);
+    EXPECT_EQ(engine->setIntValue("client-a", "a/i", 11), 1);
+    EXPECT_EQ(engine->setIntValue("client-a", "a/i", 12), 1);
+    ASSERT_EQ(engine->transactionStop("client-a"), 0);
+    EXPECT_THAT(actionLog(), ElementsAre("value-i 12", "dataset-a"));
+}
+
+// What a committed or abandoned transaction set is forgotten with it.
+TEST_F(PlixWriteTest, ASetIsNoRepeatOfASetInAnEarlierTransaction)
+{
+    start();
+    ASSERT_EQ(engine->setIntValue("client-a", "a/i", 10), 0);
+    ASSERT_EQ(engine->transactionStop("client-a"), 0);
+    start();
+    ASSERT_EQ(engine->setIntValue("client-a", "a/i", 11), 0);
+    ASSERT_EQ(engine->setIntValue("client-a", "a/s", 7), 200);
+    start();
+    EXPECT_EQ(engine->setIntValue("client-a", "a/i", 12), 0);
+    EXPECT_EQ(engine->setIntValue("client-a", "a/i", 13), 1);
+    ASSERT_EQ(engine->transactionStop("client-a"), 0);
+    EXPECT_EQ(storedInt("a/i"), 13);
+}
+
 TEST_F(PlixWriteTest, SetByNonHolderReturns4AndKeepsTransaction)
 {
     start();
