@@ -51,6 +51,19 @@ TEST(PlixCommandLineTest, SecondParseSeesWholeLineAgain)
     EXPECT_TRUE(parse({"-s"}).triggerOnStart());
 }
 
+// "-hs" asks for the usage text at h; the s left unread belongs to that line
+// alone and must not turn up in the next one.
+TEST(PlixCommandLineTest, AParseThatStoppedInsideAGroupLeavesNothingForTheNext)
+{
+    char program[] = "dbus-ex-plix";
+    char group[] = "-hs";
+    char* first[] = {program, group, nullptr};
+    EXPECT_TRUE(PlixCommandLine(2, first).usageRequested());
+    const PlixCommandLine next = parse({"-d"});
+    EXPECT_FALSE(next.triggerOnStart());
+    EXPECT_FALSE(next.usageRequested());
+}
+
 TEST(PlixCommandLineTest, HelpAndUnknownOptionRequestUsage)
 {
     EXPECT_TRUE(parse({"-h"}).usageRequested());
