@@ -177,8 +177,10 @@ void Plix::clear_plix()
         dataSet->resetVerify();
     }
     markedDataSets.clear();
-    changedValues.clear();
-    inTransaction.clear();
+    // Given back, not only emptied: a transaction of many values would
+    // otherwise keep their room for the rest of the run.
+    std::vector<ValueMap::iterator>().swap(changedValues);
+    std::unordered_set<const PlixValue*>().swap(inTransaction);
     client = idleClient;
     persistent = true;
     timeout.cancel();
@@ -200,7 +202,10 @@ int Plix::check_for_duplicate_change_values(ValueMap::iterator value)
     if (inTransaction.erase(&value->second) == 0) {
         return 0;
     }
-    changedValues.erase(std::find(changedValues.begin(), changedValues.end(), value));
+    const auto earlier = std::find(changedValues.begin(), changedValues.end(), value);
+    if (earlier != changedValues.end()) {
+        changedValues.erase(earlier);
+    }
     plixLog(LOG_NOTICE,
             "SetValue with same XML-ID was already called this transaction. Taking last parameters "
             "and erasing the ones before");

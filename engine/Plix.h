@@ -111,9 +111,10 @@ private:
     ValueMap values;
     std::vector<ValueMap::iterator> changedValues;
     // The values in changedValues: a set learns whether its value was set
-    // before in this transaction without a walk through the whole list, which
-    // would make a transaction of many sets, or an Apply of many values,
-    // take time that grows with their square.
+    // before in this transaction without a walk through the list (only a
+    // repeated set still looks for its earlier place), so that a transaction
+    // of many sets, or an Apply of many values, does not take time that
+    // grows with their square.
     std::unordered_set<const PlixValue*> inTransaction;
     bool persistent;
     std::string xmlConfigPath;

@@ -253,11 +253,12 @@ TEST_F(PlixJsonModifierTest, JsonFileThatDoesNotParseEndsWithStatus1)
     expectStoreTextEndsWithStatus1(config, "{\"a\": ");
 }
 
-// Such a file could never be written back by a commit.
+// Such a file could never be written back by a commit. An object with 1000
+// arrays nested in it nests 1001 levels deep.
 TEST_F(PlixJsonModifierTest, JsonFileNestedDeeperThanAThousandLevelsEndsWithStatus1)
 {
-    expectStoreTextEndsWithStatus1(config, "{\"a\": " + std::string(1001, '[') +
-                                               std::string(1001, ']') + "}");
+    expectStoreTextEndsWithStatus1(config, "{\"a\": " + std::string(1000, '[') +
+                                               std::string(1000, ']') + "}");
 }
 
 TEST_F(PlixJsonModifierTest, JpathNotFoundEndsWithStatus5)

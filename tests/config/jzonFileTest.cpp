@@ -151,11 +151,15 @@ TEST_F(jzonFileTest, ReadsAndRewritesArraysNestedAThousandDeep)
     for (int level = 0; level < 1000; ++level) {
         innermost += "/0";
     }
-    deep.findNode(innermost)->AsValue().Set(8);
+    Jzon::Node* node = deep.findNode(innermost);
+    ASSERT_NE(node, nullptr);
+    node->AsValue().Set(8);
     ASSERT_TRUE(deep.write());
     jzonFile reread(dir.path("deep.json"));
     ASSERT_TRUE(reread.read());
-    EXPECT_EQ(reread.findNode(innermost)->ToInt(), 8);
+    node = reread.findNode(innermost);
+    ASSERT_NE(node, nullptr);
+    EXPECT_EQ(node->ToInt(), 8);
 }
 
 TEST_F(jzonFileTest, RefusesArraysNestedOneLevelTooDeep)
