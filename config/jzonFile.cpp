@@ -103,7 +103,7 @@ constexpr std::size_t kMaxNesting = 1000;
 // nested too deep to be written back is refused here, when it is read, and
 // not found out by a commit that overflows the call stack. False for such a
 // document, which is then left half trimmed.
-bool trimToSize(Json& document)
+bool trimWithinNesting(Json& document)
 {
     std::vector<std::pair<Json*, std::size_t>> pending{{&document, 0}};
     while (!pending.empty()) {
@@ -146,7 +146,7 @@ bool jzonFile::read()
         return false;
     }
     document = Json::parse(text, nullptr, false);
-    if (!document.is_discarded() && !trimToSize(document)) {
+    if (!document.is_discarded() && !trimWithinNesting(document)) {
         document = Json(Json::value_t::discarded);
     }
     return !document.is_discarded();
