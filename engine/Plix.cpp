@@ -372,10 +372,16 @@ std::vector<PlixValueListing::Entry> Plix::listValues() const
     return PlixValueListing::of(dataSets);
 }
 
+// A declared value may have no content at all: its stored member did not
+// fit its type, or its type has no conversion from a default.
 int Plix::dataTypeOf(const std::string& xml_id) const
 {
     const auto entry = values.find(xml_id);
-    return entry == values.end() ? PlixVariant::NONE : entry->second.getValuePtr()->getDataType();
+    if (entry == values.end()) {
+        return PlixVariant::NONE;
+    }
+    const auto content = entry->second.getValuePtr();
+    return content ? content->getDataType() : PlixVariant::NONE;
 }
 
 int Plix::verify_template(std::string client, std::string xml_id, PlixVariant value)

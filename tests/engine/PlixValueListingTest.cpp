@@ -87,3 +87,26 @@ TEST_F(PlixValueListingTest, DataTypeOfAnUndeclaredIdIsNone)
     EXPECT_EQ(engine->dataTypeOf("a/missing"), PlixVariant::NONE);
     EXPECT_EQ(engine->dataTypeOf(""), PlixVariant::NONE);
 }
+
+TEST_F(PlixValueListingTest, DataTypeOfADeclaredValueWithoutContentIsNone)
+{
+    writeFile("main.json", R"({"a": {"s": 5, "i": 1}})");
+    writeFile("contentless.xml", R"(<plix>
+    <Panel_file name="main">DIR/main.json</Panel_file>
+    <DataSet ID="a">
+        <File>main</File>
+        <Value name="s" type="string"><jpath>a.s</jpath></Value>
+        <Value name="u" type="uint" default="3"/>
+        <Value name="i" type="int"><jpath>a.i</jpath></Value>
+    </DataSet>
+    <DataSet ID="nofile">
+        <Value name="x" type="int"><jpath>nofile.x</jpath></Value>
+    </DataSet>
+</plix>
+)");
+    configureWith({"-c", path("contentless.xml")});
+    EXPECT_EQ(engine->dataTypeOf("a/s"), PlixVariant::NONE);
+    EXPECT_EQ(engine->dataTypeOf("a/u"), PlixVariant::NONE);
+    EXPECT_EQ(engine->dataTypeOf("nofile/x"), PlixVariant::NONE);
+    EXPECT_EQ(engine->dataTypeOf("a/i"), PlixVariant::INT);
+}
