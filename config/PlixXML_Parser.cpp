@@ -50,12 +50,17 @@ PlixXML_Parser::PlixXML_Parser(std::string path, std::string unused, ValueTable*
 PlixXML_Parser::~PlixXML_Parser() = default;
 
 // The file's text and the jpath index serve the parse only; the model lives
-// for the whole run, they need not.
+// for the whole run, they need not, nor the room its lists and its value
+// table grew into while the values were declared one by one.
 void PlixXML_Parser::releaseParseState()
 {
     std::string().swap(buffer);
     std::string().swap(text);
     std::unordered_map<std::string, PlixValue*>().swap(valuesByJPath);
+    for (const auto& dataSet : ownedDataSets) {
+        dataSet->shrinkToFit();
+    }
+    values->rehash(0);
 }
 
 void PlixXML_Parser::readFile()

@@ -19,6 +19,12 @@ void PlixDataSet::insertPlixValue(PlixValue* value)
     valuesByName.push_back(value);
 }
 
+void PlixDataSet::shrinkToFit()
+{
+    values.shrink_to_fit();
+    valuesByName.shrink_to_fit();
+}
+
 PlixValue* PlixDataSet::getValue(std::string name) const
 {
     sortInNewNames();

@@ -29,6 +29,9 @@ public:
     PlixFile* getFile() const { return file; }
 
     void insertPlixValue(PlixValue* value);
+    // Gives back the room that inserts left beyond the members, once the
+    // set is complete.
+    void shrinkToFit();
     // Both throw std::out_of_range ("map::at") for an unknown member name.
     PlixValue* getValue(std::string name) const;
     PlixVariant getAsVariant(std::string name) const;

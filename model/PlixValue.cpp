@@ -14,16 +14,6 @@ namespace {
 
 const unsigned typeMismatch = 200;
 
-// Writes into a slot, making it on its first use.
-void keepIn(std::unique_ptr<PlixVariant>& slot, PlixVariant v)
-{
-    if (slot) {
-        *slot = std::move(v);
-    } else {
-        slot = std::make_unique<PlixVariant>(std::move(v));
-    }
-}
-
 // Made while loading, on the one thread that owns the model.
 const std::string* sharedTypeText(std::string text)
 {
@@ -48,10 +38,26 @@ PlixValue::PlixValue(std::string name, PlixDataSet& dataSet)
 // value table before it has read the type, and sets it on the copy.
 PlixValue::PlixValue(const PlixValue& other)
     : name(other.name), jpath(other.jpath), valueType(noType()), dataSet(other.dataSet),
-      onChangeHandlers(other.onChangeHandlers), validator(other.validator),
-      currentValue(other.currentValue), jsonNode(other.jsonNode), linkedValue(other.linkedValue),
+      attachments(other.attachments ? std::make_unique<Attachments>(*other.attachments) : nullptr),
+      currentValue(other.currentValue), jsonNode(other.jsonNode),
       oldValueValid(other.oldValueValid), isInJson(other.isInJson), linked(other.linked)
 {
+}
+
+PlixValue::Attachments& PlixValue::attached()
+{
+    if (!attachments) {
+        attachments = std::make_unique<Attachments>();
+    }
+    return *attachments;
+}
+
+PlixValue::Slots& PlixValue::slotsInUse()
+{
+    if (!slots) {
+        slots = std::make_unique<Slots>();
+    }
+    return *slots;
 }
 
 void PlixValue::setValueType(std::string type)
@@ -59,9 +65,24 @@ void PlixValue::setValueType(std::string type)
     valueType = sharedTypeText(std::move(type));
 }
 
+PlixValueValidator* PlixValue::getValueValidator() const
+{
+    return attachments ? attachments->validator : nullptr;
+}
+
+std::vector<PlixValueOnChangeHandler*> PlixValue::getOnChangeHandlers() const
+{
+    return attachments ? attachments->onChangeHandlers : std::vector<PlixValueOnChangeHandler*>();
+}
+
+PlixValue* PlixValue::getLinkedPlixValueObject() const
+{
+    return attachments ? attachments->linkedValue : nullptr;
+}
+
 void PlixValue::setValueInJsonWillBeReadFromPreviousPlixValue(PlixValue* earlier)
 {
-    linkedValue = earlier;
+    attached().linkedValue = earlier;
     linked = true;
 }
 
@@ -78,18 +99,19 @@ void PlixValue::setValuePtr(std::shared_ptr<PlixVariant> content)
 
 PlixVariant PlixValue::getWantedSetValue() const
 {
-    return wantedSetValue ? *wantedSetValue : PlixVariant();
+    return slots ? slots->wanted : PlixVariant();
 }
 
 unsigned PlixValue::setWantedSetValue(PlixVariant v)
 {
-    keepIn(wantedSetValue, std::move(v));
+    PlixVariant& wanted = slotsInUse().wanted;
+    wanted = std::move(v);
     oldValueValid = false;
-    if (wantedSetValue->getDataType() != getValue().getDataType()) {
+    if (wanted.getDataType() != getValue().getDataType()) {
         plixLog(LOG_WARNING, "Datatype doesnt match the one from %s", name.c_str());
         return typeMismatch;
     }
-    if (validator != nullptr) {
+    if (PlixValueValidator* validator = getValueValidator()) {
         const unsigned result = validator->validate();
         if (result != 0) {
             return result;
@@ -111,7 +133,7 @@ void PlixValue::writeCurrent(const PlixVariant& v)
 
 void PlixValue::setValue(PlixVariant v)
 {
-    keepIn(oldValue, getValue());
+    slotsInUse().old = getValue();
     oldValueValid = true;
     writeCurrent(v);
 }
@@ -121,7 +143,7 @@ void PlixValue::setBackToOldValue()
     // A copy made while a transaction was open has the flag but not the
     // slot, and so writes back a content with no type.
     if (oldValueValid) {
-        writeCurrent(oldValue ? *oldValue : PlixVariant());
+        writeCurrent(slots ? slots->old : PlixVariant());
     }
     oldValueValid = false;
 }

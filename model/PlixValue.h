@@ -14,9 +14,11 @@ class PlixValueOnChangeHandler;
 // One configuration value declared by a Value element. Its current content is
 // shared with every value linked to it (same jpath); the old slot keeps the
 // content from before the running transaction, the wanted slot the content a
-// client last offered. Both slots are made by the first set that needs them,
-// as most values of a device are never set. Validator, actions, node and data
-// set are not owned.
+// client last offered. A device declares thousands of values and sets few, and
+// few have a validator, actions or a link: the slots are made by the first
+// set, and validator, actions and link live in a block made by the first of
+// them, so that the many other values stay small. Validator, actions, node,
+// link and data set are not owned.
 class PlixValue
 {
 public:
@@ -25,7 +27,6 @@ public:
     // copy shares the current content.
     PlixValue(const PlixValue& other);
     PlixValue& operator=(const PlixValue&) = delete;
-    virtual ~PlixValue() = default;
 
     const std::string& getName() const { return name; }
     std::string getJPath() const { return jpath; }
@@ -33,16 +34,16 @@ public:
     std::string getValueType() const { return *valueType; }
     void setValueType(std::string type);
     PlixDataSet& getDataSet() const { return dataSet; }
-    PlixValueValidator* getValueValidator() const { return validator; }
-    void setValidator(PlixValueValidator* v) { validator = v; }
-    std::vector<PlixValueOnChangeHandler*> getOnChangeHandlers() const { return onChangeHandlers; }
+    PlixValueValidator* getValueValidator() const;
+    void setValidator(PlixValueValidator* v) { attached().validator = v; }
+    std::vector<PlixValueOnChangeHandler*> getOnChangeHandlers() const;
     void setOnChangeHandler(PlixValueOnChangeHandler* handler)
     {
-        onChangeHandlers.push_back(handler);
+        attached().onChangeHandlers.push_back(handler);
     }
     Jzon::Node* getJsonNode() const { return jsonNode; }
     void setJsonNode(Jzon::Node* node) { jsonNode = node; }
-    PlixValue* getLinkedPlixValueObject() const { return linkedValue; }
+    PlixValue* getLinkedPlixValueObject() const;
     bool inJson() const { return isInJson; }
     bool valueInJsonWillBeReadFromPreviousPlixValue() const { return linked; }
     void setValueInJsonWillBeReadFromPreviousPlixValue(PlixValue* earlier);
@@ -61,6 +62,22 @@ public:
     void changeJsonNode();
 
 private:
+    struct Attachments
+    {
+        PlixValueValidator* validator = nullptr;
+        std::vector<PlixValueOnChangeHandler*> onChangeHandlers;
+        PlixValue* linkedValue = nullptr;
+    };
+    struct Slots
+    {
+        PlixVariant old;
+        PlixVariant wanted;
+    };
+
+    // The block of attachments, made on the first one.
+    Attachments& attached();
+    // The old and wanted slots, made on the first set.
+    Slots& slotsInUse();
     // Writes into the shared content, making one if the value has none yet.
     void writeCurrent(const PlixVariant& v);
 
@@ -70,13 +87,10 @@ private:
     // at the one copy of its text, kept for the whole run.
     const std::string* valueType;
     PlixDataSet& dataSet;
-    std::vector<PlixValueOnChangeHandler*> onChangeHandlers;
-    PlixValueValidator* validator = nullptr;
+    std::unique_ptr<Attachments> attachments;
     std::shared_ptr<PlixVariant> currentValue;
-    std::unique_ptr<PlixVariant> oldValue;
-    std::unique_ptr<PlixVariant> wantedSetValue;
+    std::unique_ptr<Slots> slots;
     Jzon::Node* jsonNode = nullptr;
-    PlixValue* linkedValue = nullptr;
     bool oldValueValid = false;
     bool isInJson = true;
     bool linked = false;

@@ -39,7 +39,7 @@ PlixVariant::PlixVariant(const char* value) : stringContent(value), dataType(STR
 {
 }
 
-PlixVariant::PlixVariant(bool value) : boolContent(value), dataType(BOOL)
+PlixVariant::PlixVariant(bool value) : dataType(BOOL), boolContent(value)
 {
 }
 
@@ -52,14 +52,14 @@ PlixVariant::PlixVariant(double value) : doubleContent(value), dataType(DOUBLE)
 }
 
 PlixVariant::PlixVariant(PlixPassword value)
-    : dataType(PASSWORD), passwordContent(std::make_unique<PlixPassword>(std::move(value)))
+    : passwordContent(std::make_unique<PlixPassword>(std::move(value))), dataType(PASSWORD)
 {
 }
 
 PlixVariant::PlixVariant(const PlixVariant& other)
-    : intContent(other.intContent), stringContent(other.stringContent),
-      boolContent(other.boolContent), doubleContent(other.doubleContent), dataType(other.dataType),
-      passwordContent(copyOf(other.passwordContent))
+    : stringContent(other.stringContent), doubleContent(other.doubleContent),
+      passwordContent(copyOf(other.passwordContent)), intContent(other.intContent),
+      dataType(other.dataType), boolContent(other.boolContent)
 {
 }
 

@@ -6,12 +6,14 @@
 #include <string>
 
 // The tagged value that every configuration value, D-Bus get/set and
-// validator works with: one tag and one slot per kind of content.
+// validator works with: one tag and one slot per kind of content. Every
+// declared value holds one, so it is kept small: no virtual table, the
+// members ordered without padding and the tag in one byte.
 class PlixVariant
 {
 public:
     // The numbers are compared by the engine and the bus layer.
-    enum DataType : int {
+    enum DataType : unsigned char {
         BOOL = 0,
         STRING = 1,
         INT = 2,
@@ -27,7 +29,7 @@ public:
     explicit PlixVariant(int value);
     explicit PlixVariant(double value);
     explicit PlixVariant(PlixPassword value);
-    virtual ~PlixVariant() = default;
+    ~PlixVariant() = default;
     PlixVariant(const PlixVariant& other);
     PlixVariant& operator=(const PlixVariant& other);
     PlixVariant(PlixVariant&&) noexcept = default;
@@ -60,12 +62,12 @@ private:
     PlixPassword& password();
     const PlixPassword& passwordOrDefault() const;
 
-    int intContent = 0;
     std::string stringContent;
-    bool boolContent = false;
     double doubleContent = 0.0;
-    DataType dataType = NONE;
     // A password content is large and rare: only a variant that has been
     // given one holds it, so that the many other values stay small.
     std::unique_ptr<PlixPassword> passwordContent;
+    int intContent = 0;
+    DataType dataType = NONE;
+    bool boolContent = false;
 };

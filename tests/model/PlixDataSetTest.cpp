@@ -104,6 +104,26 @@ TEST(PlixDataSet, ValueOfANameInsertedAfterALookupIsFoundAndTheFirstStillWins)
     EXPECT_EQ(dataSet.getValues().size(), 4U);
 }
 
+TEST(PlixDataSet, ASetFittedToItsMembersKeepsTheirOrderAndFindsTheFirstOfEachName)
+{
+    PlixDataSet dataSet;
+    PlixValue ip("ip", dataSet);
+    PlixValue mask("mask", dataSet);
+    PlixValue laterIp("ip", dataSet);
+    PlixValue gateway("gateway", dataSet);
+    dataSet.insertPlixValue(&ip);
+    dataSet.insertPlixValue(&mask);
+    EXPECT_EQ(dataSet.getValue("mask"), &mask);
+    dataSet.insertPlixValue(&laterIp);
+    dataSet.insertPlixValue(&gateway);
+    dataSet.shrinkToFit();
+    EXPECT_EQ(dataSet.getValue("ip"), &ip);
+    EXPECT_EQ(dataSet.getValue("gateway"), &gateway);
+    EXPECT_EQ(dataSet.getValue("mask"), &mask);
+    EXPECT_EQ(dataSet.getValues(), (std::vector<PlixValue*>{&ip, &mask, &laterIp, &gateway}));
+    EXPECT_EQ(lookupError([&] { dataSet.getValue("dns"); }), "map::at");
+}
+
 TEST(PlixDataSet, EveryMemberOfALargeSetIsFoundByItsExactName)
 {
     PlixDataSet dataSet;
