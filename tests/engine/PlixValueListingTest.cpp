@@ -24,7 +24,21 @@ const PlixValueListing::Entry& entryNamed(const std::vector<PlixValueListing::En
 
 } // namespace
 
-using PlixValueListingTest = PlixEngineFixture;
+class PlixValueListingTest : public PlixEngineFixture
+{
+protected:
+    // Configures the engine with one store file holding STORE and a data set
+    // "a" on it that declares VALUES, followed by the data sets in OTHERS.
+    void configureWithStore(const std::string& store, const std::string& values,
+                            const std::string& others = "")
+    {
+        writeFile("main.json", store);
+        writeFile("listing.xml", "<plix>\n<Panel_file name=\"main\">DIR/main.json</Panel_file>\n"
+                                 "<DataSet ID=\"a\">\n<File>main</File>\n" +
+                                     values + "</DataSet>\n" + others + "</plix>\n");
+        configureWith({"-c", path("listing.xml")});
+    }
+};
 
 TEST_F(PlixValueListingTest, ListsEveryValueInTheOrderOfTheXmlFile)
 {
@@ -56,18 +70,11 @@ TEST_F(PlixValueListingTest, GivesTheTypeTextAsDeclaredTheFileAndItsAccess)
 
 TEST_F(PlixValueListingTest, RepeatedDeclarationIsListedOnce)
 {
-    writeFile("main.json", R"({"a": {"i": 1, "j": 2}})");
-    writeFile("repeat.xml", R"(<plix>
-    <Panel_file name="main">DIR/main.json</Panel_file>
-    <DataSet ID="a">
-        <File>main</File>
+    configureWithStore(R"({"a": {"i": 1, "j": 2}})", R"(
         <Value name="i" type="int"><jpath>a.i</jpath></Value>
         <Value name="j" type="int"><jpath>a.j</jpath></Value>
         <Value name="i" type="int"><jpath>a.i</jpath></Value>
-    </DataSet>
-</plix>
 )");
-    configureWith({"-c", path("repeat.xml")});
     EXPECT_THAT(idsOf(engine->listValues()), ::testing::ElementsAre("a/i", "a/j"));
 }
 
@@ -90,21 +97,15 @@ TEST_F(PlixValueListingTest, DataTypeOfAnUndeclaredIdIsNone)
 
 TEST_F(PlixValueListingTest, DataTypeOfADeclaredValueWithoutContentIsNone)
 {
-    writeFile("main.json", R"({"a": {"s": 5, "i": 1}})");
-    writeFile("contentless.xml", R"(<plix>
-    <Panel_file name="main">DIR/main.json</Panel_file>
-    <DataSet ID="a">
-        <File>main</File>
+    configureWithStore(R"({"a": {"s": 5, "i": 1}})", R"(
         <Value name="s" type="string"><jpath>a.s</jpath></Value>
         <Value name="u" type="uint" default="3"/>
         <Value name="i" type="int"><jpath>a.i</jpath></Value>
-    </DataSet>
-    <DataSet ID="nofile">
+)",
+                       R"(<DataSet ID="nofile">
         <Value name="x" type="int"><jpath>nofile.x</jpath></Value>
     </DataSet>
-</plix>
 )");
-    configureWith({"-c", path("contentless.xml")});
     EXPECT_EQ(engine->dataTypeOf("a/s"), PlixVariant::NONE);
     EXPECT_EQ(engine->dataTypeOf("a/u"), PlixVariant::NONE);
     EXPECT_EQ(engine->dataTypeOf("nofile/x"), PlixVariant::NONE);

@@ -107,21 +107,27 @@ TEST(PlixDataSet, ValueOfANameInsertedAfterALookupIsFoundAndTheFirstStillWins)
 TEST(PlixDataSet, ASetFittedToItsMembersKeepsTheirOrderAndFindsTheFirstOfEachName)
 {
     PlixDataSet dataSet;
-    PlixValue ip("ip", dataSet);
-    PlixValue mask("mask", dataSet);
-    PlixValue laterIp("ip", dataSet);
-    PlixValue gateway("gateway", dataSet);
-    dataSet.insertPlixValue(&ip);
-    dataSet.insertPlixValue(&mask);
-    EXPECT_EQ(dataSet.getValue("mask"), &mask);
-    dataSet.insertPlixValue(&laterIp);
-    dataSet.insertPlixValue(&gateway);
+    std::vector<std::unique_ptr<PlixValue>> members;
+    const auto declare = [&](const char* name) {
+        members.push_back(std::make_unique<PlixValue>(name, dataSet));
+        dataSet.insertPlixValue(members.back().get());
+    };
+    declare("b");
+    declare("a");
+    EXPECT_EQ(dataSet.getValue("b"), members[0].get());
+    declare("b");
+    declare("c");
+    declare("a");
     dataSet.shrinkToFit();
-    EXPECT_EQ(dataSet.getValue("ip"), &ip);
-    EXPECT_EQ(dataSet.getValue("gateway"), &gateway);
-    EXPECT_EQ(dataSet.getValue("mask"), &mask);
-    EXPECT_EQ(dataSet.getValues(), (std::vector<PlixValue*>{&ip, &mask, &laterIp, &gateway}));
-    EXPECT_EQ(lookupError([&] { dataSet.getValue("dns"); }), "map::at");
+    EXPECT_EQ(dataSet.getValue("a"), members[1].get());
+    EXPECT_EQ(dataSet.getValue("b"), members[0].get());
+    EXPECT_EQ(dataSet.getValue("c"), members[3].get());
+    std::vector<PlixValue*> declared;
+    for (const auto& member : members) {
+        declared.push_back(member.get());
+    }
+    EXPECT_EQ(dataSet.getValues(), declared);
+    EXPECT_EQ(lookupError([&] { dataSet.getValue("d"); }), "map::at");
 }
 
 TEST(PlixDataSet, EveryMemberOfALargeSetIsFoundByItsExactName)
