@@ -50,8 +50,8 @@ PlixXML_Parser::PlixXML_Parser(std::string path, std::string unused, ValueTable*
 PlixXML_Parser::~PlixXML_Parser() = default;
 
 // The file's text and the jpath index serve the parse only; the model lives
-// for the whole run, they need not, nor the room its lists and its value
-// table grew into while the values were declared one by one.
+// for the whole run, they need not, nor the room that the data sets' lists
+// grew into while their values were declared one by one.
 void PlixXML_Parser::releaseParseState()
 {
     std::string().swap(buffer);
@@ -60,7 +60,6 @@ void PlixXML_Parser::releaseParseState()
     for (const auto& dataSet : ownedDataSets) {
         dataSet->shrinkToFit();
     }
-    values->rehash(0);
 }
 
 void PlixXML_Parser::readFile()

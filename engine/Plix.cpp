@@ -372,8 +372,8 @@ std::vector<PlixValueListing::Entry> Plix::listValues() const
     return PlixValueListing::of(dataSets);
 }
 
-// A declared value may have no content at all: its stored member did not
-// fit its type, or its type has no conversion from a default.
+// A declared value may have no content at all, for example when its stored
+// member does not fit its type or its type has no conversion from a default.
 int Plix::dataTypeOf(const std::string& xml_id) const
 {
     const auto entry = values.find(xml_id);

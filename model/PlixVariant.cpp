@@ -31,35 +31,35 @@ std::unique_ptr<PlixPassword> copyOf(const std::unique_ptr<PlixPassword>& passwo
 
 PlixVariant::PlixVariant() = default;
 
-PlixVariant::PlixVariant(std::string value) : stringContent(std::move(value)), dataType(STRING)
+PlixVariant::PlixVariant(std::string value) : stringContent(std::move(value)), typeTag(STRING)
 {
 }
 
-PlixVariant::PlixVariant(const char* value) : stringContent(value), dataType(STRING)
+PlixVariant::PlixVariant(const char* value) : stringContent(value), typeTag(STRING)
 {
 }
 
-PlixVariant::PlixVariant(bool value) : dataType(BOOL), boolContent(value)
+PlixVariant::PlixVariant(bool value) : typeTag(BOOL), boolContent(value)
 {
 }
 
-PlixVariant::PlixVariant(int value) : intContent(value), dataType(INT)
+PlixVariant::PlixVariant(int value) : intContent(value), typeTag(INT)
 {
 }
 
-PlixVariant::PlixVariant(double value) : doubleContent(value), dataType(DOUBLE)
+PlixVariant::PlixVariant(double value) : doubleContent(value), typeTag(DOUBLE)
 {
 }
 
 PlixVariant::PlixVariant(PlixPassword value)
-    : passwordContent(std::make_unique<PlixPassword>(std::move(value))), dataType(PASSWORD)
+    : passwordContent(std::make_unique<PlixPassword>(std::move(value))), typeTag(PASSWORD)
 {
 }
 
 PlixVariant::PlixVariant(const PlixVariant& other)
     : stringContent(other.stringContent), doubleContent(other.doubleContent),
       passwordContent(copyOf(other.passwordContent)), intContent(other.intContent),
-      dataType(other.dataType), boolContent(other.boolContent)
+      typeTag(other.typeTag), boolContent(other.boolContent)
 {
 }
 
@@ -113,15 +113,15 @@ PlixPassword PlixVariant::asPlixPassword() const
 
 int PlixVariant::getDataType() const
 {
-    return dataType;
+    return typeTag;
 }
 
 void PlixVariant::takeTypeIfNone(DataType type)
 {
     // A variant that already has a type keeps it: only an untyped one is
     // given its type by the first content written into it.
-    if (dataType == NONE) {
-        dataType = type;
+    if (dataType() == NONE) {
+        typeTag = static_cast<std::uint8_t>(type);
     }
 }
 
@@ -161,7 +161,7 @@ void PlixVariant::setValuePassword(PlixPassword value)
 
 std::string PlixVariant::getAsString() const
 {
-    switch (dataType) {
+    switch (dataType()) {
     case BOOL:
         return boolContent ? "true" : "false";
     case STRING:
@@ -182,7 +182,7 @@ std::string PlixVariant::getAsString() const
 void PlixVariant::print() const
 {
     // Unlike getAsString(), a bool is printed as a digit.
-    const std::string text = dataType == BOOL ? streamText(boolContent) : getAsString();
+    const std::string text = dataType() == BOOL ? streamText(boolContent) : getAsString();
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
@@ -190,16 +190,16 @@ bool PlixVariant::operator==(const PlixVariant& other) const
 {
     // A password is compared by checking the other side's text against it,
     // so a plain candidate and a stored form both work.
-    if (dataType == PASSWORD) {
+    if (dataType() == PASSWORD) {
         return passwordOrDefault() == other.getAsString();
     }
-    if (other.dataType == PASSWORD) {
+    if (other.dataType() == PASSWORD) {
         return other.passwordOrDefault() == getAsString();
     }
-    if (dataType != other.dataType) {
+    if (dataType() != other.dataType()) {
         return false;
     }
-    switch (dataType) {
+    switch (dataType()) {
     case BOOL:
         return boolContent == other.boolContent;
     case STRING:

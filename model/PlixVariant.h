@@ -2,18 +2,19 @@
 
 #include "PlixPassword.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
 // The tagged value that every configuration value, D-Bus get/set and
 // validator works with: one tag and one slot per kind of content. Every
 // declared value holds one, so it is kept small: no virtual table, the
-// members ordered without padding and the tag in one byte.
+// members ordered by size so that only the end is padded, the tag in one byte.
 class PlixVariant
 {
 public:
     // The numbers are compared by the engine and the bus layer.
-    enum DataType : unsigned char {
+    enum DataType : int {
         BOOL = 0,
         STRING = 1,
         INT = 2,
@@ -56,6 +57,7 @@ public:
     bool operator!=(const PlixVariant& other) const;
 
 private:
+    DataType dataType() const { return static_cast<DataType>(typeTag); }
     void takeTypeIfNone(DataType type);
     // The password content, made when first written; a variant that has none
     // reads as a default-constructed password.
@@ -68,6 +70,7 @@ private:
     // given one holds it, so that the many other values stay small.
     std::unique_ptr<PlixPassword> passwordContent;
     int intContent = 0;
-    DataType dataType = NONE;
+    // The DataType, kept in one byte.
+    std::uint8_t typeTag = NONE;
     bool boolContent = false;
 };

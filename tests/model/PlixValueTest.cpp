@@ -299,6 +299,13 @@ TEST_F(PlixValueTest, SetValueKeepsThePreviousContentForRollBack)
     EXPECT_EQ(value.getValue().asInt(), 1);
 }
 
+TEST_F(PlixValueTest, SetValueAloneLeavesTheWantedSlotWithoutType)
+{
+    value.setDefaultValue(PlixVariant(1));
+    value.setValue(PlixVariant(2));
+    EXPECT_EQ(value.getWantedSetValue().getDataType(), PlixVariant::NONE);
+}
+
 TEST_F(PlixValueTest, SetBackToOldValueTwiceRestoresOnce)
 {
     value.setDefaultValue(PlixVariant(1));
