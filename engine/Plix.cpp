@@ -372,16 +372,11 @@ std::vector<PlixValueListing::Entry> Plix::listValues() const
     return PlixValueListing::of(dataSets);
 }
 
-// A declared value may have no content at all, for example when its stored
-// member does not fit its type or its type has no conversion from a default.
+// Through getValue, which gives NONE for a declared value that has no content.
 int Plix::dataTypeOf(const std::string& xml_id) const
 {
     const auto entry = values.find(xml_id);
-    if (entry == values.end()) {
-        return PlixVariant::NONE;
-    }
-    const auto content = entry->second.getValuePtr();
-    return content ? content->getDataType() : PlixVariant::NONE;
+    return entry == values.end() ? PlixVariant::NONE : entry->second.getValue().getDataType();
 }
 
 int Plix::verify_template(std::string client, std::string xml_id, PlixVariant value)
