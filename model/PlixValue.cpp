@@ -7,39 +7,71 @@
 #include "PlixNumber.h"
 
 #include <cstdlib>
-#include <unordered_set>
+#include <deque>
+#include <unordered_map>
 #include <utility>
 
 namespace {
 
 const unsigned typeMismatch = 200;
 
-// Made while loading, on the one thread that owns the model.
-const std::string* sharedTypeText(std::string text)
+// Every distinct type text once, by number; number 0 is the empty text of a
+// value whose type is not read yet. Made while loading, on the one thread
+// that owns the model, and never freed, as the values that use it live for
+// the whole run.
+class TypeTexts
 {
-    static std::unordered_set<std::string> texts;
-    return &*texts.insert(std::move(text)).first;
+public:
+    TypeTexts() { numberOf(""); }
+
+    std::uint32_t numberOf(std::string text)
+    {
+        const auto [entry, added] =
+            numbers.try_emplace(std::move(text), static_cast<std::uint32_t>(texts.size()));
+        if (added) {
+            texts.push_back(&entry->first);
+        }
+        return entry->second;
+    }
+
+    const std::string& textOf(std::uint32_t number) const { return *texts[number]; }
+
+private:
+    std::unordered_map<std::string, std::uint32_t> numbers;
+    std::vector<const std::string*> texts;
+};
+
+TypeTexts& typeTexts()
+{
+    static TypeTexts* const texts = new TypeTexts;
+    return *texts;
 }
 
-const std::string* noType()
+const std::uint32_t noType = 0;
+
+// A content is never freed: a value that took a new default leaves its old
+// content to the values linked to it. One deque holds them all, so a content
+// costs its own size and neither a block header nor a reference count.
+PlixVariant* newContent(PlixVariant v)
 {
-    static const std::string* const none = sharedTypeText("");
-    return none;
+    static std::deque<PlixVariant>* const contents = new std::deque<PlixVariant>;
+    contents->push_back(std::move(v));
+    return &contents->back();
 }
 
 } // namespace
 
 PlixValue::PlixValue(std::string name, PlixDataSet& dataSet)
-    : name(std::move(name)), valueType(noType()), dataSet(dataSet)
+    : name(std::move(name)), dataSet(dataSet), valueType(noType)
 {
 }
 
 // The value type is left out on purpose: the loader inserts the copy into the
 // value table before it has read the type, and sets it on the copy.
 PlixValue::PlixValue(const PlixValue& other)
-    : name(other.name), jpath(other.jpath), valueType(noType()), dataSet(other.dataSet),
+    : name(other.name), jpath(other.jpath), dataSet(other.dataSet),
       attachments(other.attachments ? std::make_unique<Attachments>(*other.attachments) : nullptr),
-      currentValue(other.currentValue), jsonNode(other.jsonNode),
+      currentValue(other.currentValue), jsonNode(other.jsonNode), valueType(noType),
       oldValueValid(other.oldValueValid), isInJson(other.isInJson), linked(other.linked)
 {
 }
@@ -62,7 +94,12 @@ PlixValue::Slots& PlixValue::slotsInUse()
 
 void PlixValue::setValueType(std::string type)
 {
-    valueType = sharedTypeText(std::move(type));
+    valueType = typeTexts().numberOf(std::move(type));
+}
+
+const std::string& PlixValue::typeText() const
+{
+    return typeTexts().textOf(valueType);
 }
 
 PlixValueValidator* PlixValue::getValueValidator() const
@@ -91,9 +128,9 @@ PlixVariant PlixValue::getValue() const
     return currentValue ? *currentValue : PlixVariant();
 }
 
-void PlixValue::setValuePtr(std::shared_ptr<PlixVariant> content)
+void PlixValue::setValuePtr(PlixVariant* content)
 {
-    currentValue = std::move(content);
+    currentValue = content;
     linked = true;
 }
 
@@ -127,7 +164,7 @@ void PlixValue::writeCurrent(const PlixVariant& v)
     if (currentValue) {
         *currentValue = v;
     } else {
-        currentValue = std::make_shared<PlixVariant>(v);
+        currentValue = newContent(v);
     }
 }
 
@@ -153,14 +190,14 @@ void PlixValue::setDefaultValue(PlixVariant v)
     oldValueValid = false;
     // A new content, not a write into the old one: a value linked to this
     // one keeps the content they shared.
-    currentValue = std::make_shared<PlixVariant>(std::move(v));
+    currentValue = newContent(std::move(v));
     plixTrace("default mvalue %s\n", currentValue->getAsString().c_str());
 }
 
 void PlixValue::setXML_Default_value(std::string text)
 {
     isInJson = false;
-    const std::string& type = *valueType;
+    const std::string& type = typeText();
     if (type == "string") {
         setDefaultValue(PlixVariant(text));
     } else if (type == "int") {
@@ -184,7 +221,7 @@ void PlixValue::changeJsonNode()
         return;
     }
     const PlixVariant content = getValue();
-    const std::string& type = *valueType;
+    const std::string& type = typeText();
     if (jsonNode->IsString()) {
         jsonNode->AsValue().Set(content.getAsString());
     } else if (jsonNode->IsNumber()) {

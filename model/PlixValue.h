@@ -3,6 +3,7 @@
 #include "Jzon.h"
 #include "PlixVariant.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,13 +13,14 @@ class PlixValueValidator;
 class PlixValueOnChangeHandler;
 
 // One configuration value declared by a Value element. Its current content is
-// shared with every value linked to it (same jpath); the old slot keeps the
+// shared with every value linked to it (same jpath), and like every content it
+// lives for the whole run, so values point at it plainly; the old slot keeps the
 // content from before the running transaction, the wanted slot the content a
 // client last offered. A device declares thousands of values and sets few, and
 // few have a validator, actions or a link: the slots are made by the first
 // set, and validator, actions and link live in a block made by the first of
-// them, so that the many other values stay small. Validator, actions, node,
-// link and data set are not owned.
+// them, so that the many other values stay small. Content, validator, actions,
+// node, link and data set are not owned.
 class PlixValue
 {
 public:
@@ -31,7 +33,7 @@ public:
     const std::string& getName() const { return name; }
     std::string getJPath() const { return jpath; }
     void setJPath(std::string path) { jpath = std::move(path); }
-    std::string getValueType() const { return *valueType; }
+    std::string getValueType() const { return typeText(); }
     void setValueType(std::string type);
     PlixDataSet& getDataSet() const { return dataSet; }
     PlixValueValidator* getValueValidator() const;
@@ -50,8 +52,8 @@ public:
 
     // A copy of the current content; a value that has none yet gives NONE.
     PlixVariant getValue() const;
-    std::shared_ptr<PlixVariant> getValuePtr() const { return currentValue; }
-    void setValuePtr(std::shared_ptr<PlixVariant> content);
+    PlixVariant* getValuePtr() const { return currentValue; }
+    void setValuePtr(PlixVariant* content);
     PlixVariant getWantedSetValue() const;
 
     unsigned setWantedSetValue(PlixVariant v);
@@ -80,17 +82,19 @@ private:
     Slots& slotsInUse();
     // Writes into the shared content, making one if the value has none yet.
     void writeCurrent(const PlixVariant& v);
+    const std::string& typeText() const;
 
     std::string name;
     std::string jpath;
-    // Thousands of values share a handful of type texts: each value points
-    // at the one copy of its text, kept for the whole run.
-    const std::string* valueType;
     PlixDataSet& dataSet;
     std::unique_ptr<Attachments> attachments;
-    std::shared_ptr<PlixVariant> currentValue;
+    PlixVariant* currentValue = nullptr;
     std::unique_ptr<Slots> slots;
     Jzon::Node* jsonNode = nullptr;
+    // Thousands of values share a handful of type texts: each value knows
+    // the number of its text in one table of every distinct text, kept for
+    // the whole run; the number and the flags share one word.
+    std::uint32_t valueType;
     bool oldValueValid = false;
     bool isInJson = true;
     bool linked = false;

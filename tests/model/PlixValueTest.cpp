@@ -394,9 +394,9 @@ TEST_F(PlixValueTest, LinkRecordsTheEarlierValue)
 
 TEST_F(PlixValueTest, SetValuePtrSharesTheContentAndMarksTheLink)
 {
-    auto content = std::make_shared<PlixVariant>(6);
-    value.setValuePtr(content);
-    EXPECT_EQ(value.getValuePtr(), content);
+    PlixVariant content(6);
+    value.setValuePtr(&content);
+    EXPECT_EQ(value.getValuePtr(), &content);
     EXPECT_TRUE(value.valueInJsonWillBeReadFromPreviousPlixValue());
 }
 
