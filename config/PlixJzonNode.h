@@ -9,10 +9,13 @@
 // One element of a JSON store document, seen through the model's node
 // interface. It refers to the element in place: setting it changes the
 // document, and the element keeps its place among its siblings.
-class PlixJzonNode : public Jzon::Node, public Jzon::Value
+class PlixJzonNode : public Jzon::Node
 {
 public:
     explicit PlixJzonNode(nlohmann::ordered_json& element) : element(element) {}
+
+    // The element this node refers to, which identifies the node.
+    const nlohmann::ordered_json* target() const { return &element; }
 
     bool IsString() const override { return element.is_string(); }
     bool IsNumber() const override { return element.is_number(); }
@@ -24,7 +27,6 @@ public:
     int ToInt() const override;
     double ToDouble() const override;
     bool ToBool() const override;
-    Jzon::Value& AsValue() override { return *this; }
 
     void Set(const std::string& text) override { element = text; }
     void Set(bool value) override { element = value; }

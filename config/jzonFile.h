@@ -5,8 +5,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstddef>
+#include <functional>
 #include <string>
-#include <unordered_map>
+#include <unordered_set>
 
 // A JSON store document bound to its file. It is read once, changed in place
 // through the nodes that findNode hands out, and written back whole.
@@ -39,11 +41,31 @@ public:
 private:
     using Json = nlohmann::ordered_json;
 
+    // An entry of the node index: the node alone, found again by the element
+    // it refers to. Handing a node out does not change it, so the index may
+    // hand out the node in its own entry.
+    struct IndexedNode
+    {
+        explicit IndexedNode(Json& element) : node(element) {}
+        bool operator==(const IndexedNode& other) const
+        {
+            return node.target() == other.node.target();
+        }
+        mutable PlixJzonNode node;
+    };
+    struct ByTarget
+    {
+        std::size_t operator()(const IndexedNode& entry) const noexcept
+        {
+            return std::hash<const Json*>{}(entry.node.target());
+        }
+    };
+
     Json* resolve(const std::string& jpath);
     bool readText(std::string& text) const;
 
     std::string path;
     Json document;
-    // Kept in the map's own entries, which never move.
-    std::unordered_map<const Json*, PlixJzonNode> nodes;
+    // Kept in the set's own entries, which never move.
+    std::unordered_set<IndexedNode, ByTarget> nodes;
 };

@@ -17,10 +17,11 @@ public:
     virtual void Set(int value) = 0;
 };
 
-class Node
+// A node is its own settable scalar: one interface, so that a store keeps one
+// table pointer in each of the many nodes it hands out.
+class Node : public Value
 {
 public:
-    virtual ~Node() = default;
     virtual bool IsString() const = 0;
     virtual bool IsNumber() const = 0;
     virtual bool IsBool() const = 0;
@@ -28,7 +29,7 @@ public:
     virtual int ToInt() const = 0;
     virtual double ToDouble() const = 0;
     virtual bool ToBool() const = 0;
-    virtual Value& AsValue() = 0;
+    Value& AsValue() { return *this; }
 };
 
 } // namespace Jzon
