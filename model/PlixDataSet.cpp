@@ -8,26 +8,25 @@
 // The by-name index and the verify mark are not copied: a copy is a snapshot of
 // the members' order, not a place to look members up.
 PlixDataSet::PlixDataSet(const PlixDataSet& other)
-    : file(other.file), values(other.values), onChangeHandlers(other.onChangeHandlers),
-      name(other.name), validators(other.validators)
+    : file(other.file), values(other.values), firstNamed(other.values.size()),
+      namedFrom(other.values.size()), onChangeHandlers(other.onChangeHandlers), name(other.name),
+      validators(other.validators)
 {
 }
 
 void PlixDataSet::insertPlixValue(PlixValue* value)
 {
     values.push_back(value);
-    valuesByName.push_back(value);
 }
 
 void PlixDataSet::shrinkToFit()
 {
     values.shrink_to_fit();
-    valuesByName.shrink_to_fit();
 }
 
 PlixValue* PlixDataSet::getValue(std::string name) const
 {
-    sortInNewNames();
+    indexNewNames();
     const auto found = std::lower_bound(valuesByName.begin(), valuesByName.end(), name,
                                         [](const PlixValue* member, const std::string& wanted) {
                                             return member->getName() < wanted;
@@ -38,14 +37,15 @@ PlixValue* PlixDataSet::getValue(std::string name) const
     return *found;
 }
 
-// A stable sort keeps members of one name in the order they were inserted
-// (the part sorted before holds only earlier ones), so the first inserted
-// comes first and is the one kept.
-void PlixDataSet::sortInNewNames() const
+// A stable sort keeps members of one name in the order they were inserted,
+// so the first inserted comes first and is the one kept.
+void PlixDataSet::indexNewNames() const
 {
-    if (sortedByName == valuesByName.size()) {
+    if (namedFrom == values.size()) {
         return;
     }
+    const auto named = values.begin() + static_cast<std::ptrdiff_t>(firstNamed);
+    valuesByName.assign(named, values.end());
     std::stable_sort(
         valuesByName.begin(), valuesByName.end(),
         [](const PlixValue* a, const PlixValue* b) { return a->getName() < b->getName(); });
@@ -54,7 +54,8 @@ void PlixDataSet::sortInNewNames() const
                                        return a->getName() == b->getName();
                                    }),
                        valuesByName.end());
-    sortedByName = valuesByName.size();
+    valuesByName.shrink_to_fit();
+    namedFrom = values.size();
 }
 
 PlixVariant PlixDataSet::getAsVariant(std::string name) const

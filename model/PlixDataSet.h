@@ -53,18 +53,22 @@ public:
     void resetVerify() { verify = false; }
 
 private:
-    void sortInNewNames() const;
+    void indexNewNames() const;
 
     PlixFile* file = nullptr;
     std::vector<PlixValue*> values;
+    // The members findable by name are those from this position on: a copy
+    // finds only the members inserted into it after it was made.
+    std::size_t firstNamed = 0;
     // The members by name: a flat map sorted byte-wise by name that holds
-    // the first member of each name. An insert appends to it and the next
-    // look-up sorts it again, so a member costs one pointer rather than a
-    // tree node. Members are looked up by name at commit, after the whole
-    // set is loaded and on the one thread that owns the model, so it is
-    // sorted once and the const look-up may do it.
+    // the first member of each name, made from the members at the first
+    // look-up after an insert, so a member costs one pointer, and nothing in
+    // a set that is never looked up by name. Members are looked up by name at
+    // commit, after the whole set is loaded and on the one thread that owns
+    // the model, so it is made once and the const look-up may make it.
     mutable std::vector<PlixValue*> valuesByName;
-    mutable std::size_t sortedByName = 0;
+    // How many members the by-name map was made from.
+    mutable std::size_t namedFrom = 0;
     std::vector<PlixDatasetOnChangeHandler*> onChangeHandlers;
     std::string name;
     std::vector<PlixDatasetValidator*> validators;
