@@ -192,7 +192,7 @@ Jzon::Node* jzonFile::findNode(std::string jpath)
     if (element == nullptr) {
         return nullptr;
     }
-    return &nodes.insert(IndexedNode(*element)).first->node;
+    return &nodes.emplace(*element).first->node;
 }
 
 jzonFile::Json* jzonFile::resolve(const std::string& jpath)

@@ -8,7 +8,9 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <unordered_set>
+#include <utility>
 
 // A JSON store document bound to its file. It is read once, changed in place
 // through the nodes that findNode hands out, and written back whole.
@@ -42,8 +44,9 @@ private:
     using Json = nlohmann::ordered_json;
 
     // An entry of the node index: the node alone, found again by the element
-    // it refers to. Handing a node out does not change it, so the index may
-    // hand out the node in its own entry.
+    // it refers to. The set hands its entries out as const; a node may still
+    // be handed out to be set, since setting changes the element, never the
+    // node, and a node cannot be made to refer to another element.
     struct IndexedNode
     {
         explicit IndexedNode(Json& element) : node(element) {}
@@ -53,6 +56,8 @@ private:
         }
         mutable PlixJzonNode node;
     };
+    static_assert(!std::is_copy_assignable_v<PlixJzonNode>,
+                  "a node keeps the element it was made for");
     struct ByTarget
     {
         std::size_t operator()(const IndexedNode& entry) const noexcept
@@ -60,6 +65,8 @@ private:
             return std::hash<const Json*>{}(entry.node.target());
         }
     };
+    static_assert(noexcept(ByTarget{}(std::declval<const IndexedNode&>())),
+                  "a hasher that may throw makes every entry keep its hash");
 
     Json* resolve(const std::string& jpath);
     bool readText(std::string& text) const;

@@ -18,7 +18,7 @@ class PlixDataSet
 public:
     PlixDataSet() = default;
     // Copies everything but the by-name index and the verify mark: a copy
-    // finds no member by name.
+    // finds by name only the members inserted into it after it was made.
     PlixDataSet(const PlixDataSet& other);
     PlixDataSet& operator=(const PlixDataSet&) = delete;
     virtual ~PlixDataSet() = default;

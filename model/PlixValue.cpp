@@ -26,6 +26,8 @@ public:
 
     std::uint32_t numberOf(std::string text)
     {
+        // Room first, so that a text is never numbered without its slot.
+        texts.reserve(texts.size() + 1);
         const auto [entry, added] =
             numbers.try_emplace(std::move(text), static_cast<std::uint32_t>(texts.size()));
         if (added) {
@@ -51,7 +53,11 @@ const std::uint32_t noType = 0;
 
 // A content is never freed: a value that took a new default leaves its old
 // content to the values linked to it. One deque holds them all, so a content
-// costs its own size and neither a block header nor a reference count.
+// costs its own size and neither a block header nor a reference count. The
+// price is that a content given up stays: defaults are given while loading,
+// once for each value and store file, so only a re-read of the stores (which
+// the service does not do) adds to them. Used on the one thread that owns the
+// model.
 PlixVariant* newContent(PlixVariant v)
 {
     static std::deque<PlixVariant>* const contents = new std::deque<PlixVariant>;

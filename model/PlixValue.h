@@ -53,6 +53,8 @@ public:
     // A copy of the current content; a value that has none yet gives NONE.
     PlixVariant getValue() const;
     PlixVariant* getValuePtr() const { return currentValue; }
+    // Shares another value's content (from its getValuePtr()), which lives
+    // for the whole run.
     void setValuePtr(PlixVariant* content);
     PlixVariant getWantedSetValue() const;
 
@@ -93,7 +95,8 @@ private:
     Jzon::Node* jsonNode = nullptr;
     // Thousands of values share a handful of type texts: each value knows
     // the number of its text in one table of every distinct text, kept for
-    // the whole run; the number and the flags share one word.
+    // the whole run. On a 64-bit build the number and the flags fill the
+    // word a pointer to the text would take alone.
     std::uint32_t valueType;
     bool oldValueValid = false;
     bool isInJson = true;

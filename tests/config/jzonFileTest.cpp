@@ -6,6 +6,9 @@
 
 #include <csignal>
 #include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -190,6 +193,27 @@ TEST_F(jzonFileTest, ADeepMemberBesideShallowOnesIsRefusedToo)
 {
     const std::string text = "{\"a\": 1, \"b\": [2], \"c\": " + nestedArrays(1000) + "}";
     EXPECT_FALSE(jzonFile(dir.write("deep.json", text)).read());
+}
+
+TEST_F(jzonFileTest, EachElementKeepsOneNodeOfItsOwnWhileTheIndexGrows)
+{
+    std::string text = "{";
+    for (int i = 0; i < 1000; ++i) {
+        text += std::string(i == 0 ? "" : ", ") + "\"k" + std::to_string(i) +
+                "\": " + std::to_string(i);
+    }
+    text += "}";
+    jzonFile many(dir.write("many.json", text));
+    ASSERT_TRUE(many.read());
+    std::vector<Jzon::Node*> found;
+    for (int i = 0; i < 1000; ++i) {
+        found.push_back(many.findNode("k" + std::to_string(i)));
+    }
+    EXPECT_EQ(std::set<Jzon::Node*>(found.begin(), found.end()).size(), found.size());
+    for (int i = 0; i < 1000; ++i) {
+        EXPECT_EQ(many.findNode("/k" + std::to_string(i)), found[i]);
+        EXPECT_EQ(found[i]->ToInt(), i);
+    }
 }
 
 TEST_F(jzonFileTest, EveryMemberAndItemIsFoundAfterReadingAGrownDocument)

@@ -220,6 +220,36 @@ TEST(PlixDataSet, CopyFindsOnlyTheValuesInsertedIntoItAfterward)
     EXPECT_EQ(copy.getValues().size(), 2U);
 }
 
+TEST(PlixDataSet, InsertsIntoTheOriginalAfterACopyAreNotSeenByTheCopy)
+{
+    PlixDataSet original;
+    PlixValue ip("ip", original);
+    PlixValue port("port", original);
+    original.insertPlixValue(&ip);
+    const PlixDataSet copy(original);
+    original.insertPlixValue(&port);
+    EXPECT_EQ(original.getValue("port"), &port);
+    EXPECT_EQ(lookupError([&] { copy.getValue("port"); }), "map::at");
+    EXPECT_EQ(copy.getValues().size(), 1U);
+}
+
+TEST(PlixDataSet, CopyOfACopyFindsOnlyWhatWasInsertedIntoIt)
+{
+    PlixDataSet original;
+    PlixValue ip("ip", original);
+    PlixValue mask("mask", original);
+    PlixValue port("port", original);
+    original.insertPlixValue(&ip);
+    PlixDataSet copy(original);
+    copy.insertPlixValue(&mask);
+    PlixDataSet copyOfCopy(copy);
+    copyOfCopy.insertPlixValue(&port);
+    EXPECT_EQ(copyOfCopy.getValue("port"), &port);
+    EXPECT_EQ(lookupError([&] { copyOfCopy.getValue("ip"); }), "map::at");
+    EXPECT_EQ(lookupError([&] { copyOfCopy.getValue("mask"); }), "map::at");
+    EXPECT_EQ(copyOfCopy.getValues(), (std::vector<PlixValue*>{&ip, &mask, &port}));
+}
+
 TEST(PlixDataSet, CopyKeepsNameFileHandlersAndValidatorsButNotTheMark)
 {
     PlixDataSet original;

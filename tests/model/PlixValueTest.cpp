@@ -8,6 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
 
@@ -393,10 +396,59 @@ TEST_F(PlixValueTest, LinkRecordsTheEarlierValue)
 
 TEST_F(PlixValueTest, SetValuePtrSharesTheContentAndMarksTheLink)
 {
-    PlixVariant content(6);
-    value.setValuePtr(&content);
-    EXPECT_EQ(value.getValuePtr(), &content);
+    PlixValue earlier("ip2", dataSet);
+    earlier.setDefaultValue(PlixVariant(6));
+    value.setValuePtr(earlier.getValuePtr());
+    EXPECT_EQ(value.getValuePtr(), earlier.getValuePtr());
+    EXPECT_EQ(value.getValue().asInt(), 6);
     EXPECT_TRUE(value.valueInJsonWillBeReadFromPreviousPlixValue());
+}
+
+TEST_F(PlixValueTest, LinkedValueKeepsTheOldContentWhenTheEarlierTakesANewDefault)
+{
+    PlixValue later("ip2", dataSet);
+    value.setDefaultValue(PlixVariant(1));
+    later.setValuePtr(value.getValuePtr());
+    value.setDefaultValue(PlixVariant(9));
+    EXPECT_NE(later.getValuePtr(), value.getValuePtr());
+    EXPECT_EQ(later.getValue().asInt(), 1);
+    later.setValue(PlixVariant(2));
+    EXPECT_EQ(later.getValue().asInt(), 2);
+    EXPECT_EQ(value.getValue().asInt(), 9);
+}
+
+TEST_F(PlixValueTest, ContentOutlivesTheValueThatMadeIt)
+{
+    {
+        PlixValue earlier("ip2", dataSet);
+        earlier.setDefaultValue(PlixVariant("x"));
+        value.setValuePtr(earlier.getValuePtr());
+    }
+    EXPECT_EQ(value.getValue(), PlixVariant("x"));
+}
+
+TEST_F(PlixValueTest, ContentKeepsItsPlaceWhileManyMoreAreMade)
+{
+    value.setDefaultValue(PlixVariant(5));
+    PlixVariant* const content = value.getValuePtr();
+    std::vector<PlixValue> others(1000, PlixValue("n", dataSet));
+    for (PlixValue& other : others) {
+        other.setDefaultValue(PlixVariant(7));
+    }
+    EXPECT_EQ(value.getValuePtr(), content);
+    EXPECT_EQ(content->asInt(), 5);
+}
+
+TEST_F(PlixValueTest, ManyDistinctTypeTextsKeepEachValuesType)
+{
+    std::vector<PlixValue> typed(200, PlixValue("n", dataSet));
+    for (std::size_t i = 0; i < typed.size(); ++i) {
+        typed[i].setValueType("t" + std::to_string(i));
+    }
+    for (std::size_t i = 0; i < typed.size(); ++i) {
+        EXPECT_EQ(typed[i].getValueType(), "t" + std::to_string(i));
+    }
+    EXPECT_EQ(PlixValue("m", dataSet).getValueType(), "");
 }
 
 TEST_F(PlixValueTest, DefaultValueSeparatesLinkedValues)
