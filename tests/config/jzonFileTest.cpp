@@ -13,6 +13,17 @@
 #include <sys/stat.h>
 
 namespace {
+// The members "k0": 0 to "k<count - 1>": count - 1, comma-separated.
+std::string numberedMembers(int count)
+{
+    std::string members;
+    for (int i = 0; i < count; ++i) {
+        members += std::string(i == 0 ? "" : ", ") + "\"k" + std::to_string(i) +
+                   "\": " + std::to_string(i);
+    }
+    return members;
+}
+
 const char* document = R"({
   "network": {"eth0": {"ip": "10.0.0.1"}},
   "ports": {"list": [80, 443, {"name": "alt"}]},
@@ -197,13 +208,7 @@ TEST_F(jzonFileTest, ADeepMemberBesideShallowOnesIsRefusedToo)
 
 TEST_F(jzonFileTest, EachElementKeepsOneNodeOfItsOwnWhileTheIndexGrows)
 {
-    std::string text = "{";
-    for (int i = 0; i < 1000; ++i) {
-        text += std::string(i == 0 ? "" : ", ") + "\"k" + std::to_string(i) +
-                "\": " + std::to_string(i);
-    }
-    text += "}";
-    jzonFile many(dir.write("many.json", text));
+    jzonFile many(dir.write("many.json", "{" + numberedMembers(1000) + "}"));
     ASSERT_TRUE(many.read());
     std::vector<Jzon::Node*> found;
     for (int i = 0; i < 1000; ++i) {
@@ -222,12 +227,7 @@ TEST_F(jzonFileTest, EveryMemberAndItemIsFoundAfterReadingAGrownDocument)
     for (int i = 0; i < 100; ++i) {
         text += (i == 0 ? "" : ", ") + std::to_string(i);
     }
-    text += "], \"m\": {";
-    for (int i = 0; i < 100; ++i) {
-        text += std::string(i == 0 ? "" : ", ") + "\"k" + std::to_string(i) +
-                "\": " + std::to_string(i);
-    }
-    text += "}}";
+    text += "], \"m\": {" + numberedMembers(100) + "}}";
     jzonFile grown(dir.write("grown.json", text));
     ASSERT_TRUE(grown.read());
     Jzon::Node* first = grown.findNode("m.k0");
