@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <stdexcept>
 
-// The by-name index and the verify mark are not copied: a copy is a snapshot of
-// the members' order, not a place to look members up.
+// The by-name index and the verify mark are not copied: the copied members
+// stay before the part a copy looks up by name.
 PlixDataSet::PlixDataSet(const PlixDataSet& other)
     : file(other.file), values(other.values), firstNamed(other.values.size()),
       namedFrom(other.values.size()), onChangeHandlers(other.onChangeHandlers), name(other.name),
@@ -26,7 +26,7 @@ void PlixDataSet::shrinkToFit()
 
 PlixValue* PlixDataSet::getValue(std::string name) const
 {
-    indexNewNames();
+    makeByNameList();
     const auto found = std::lower_bound(valuesByName.begin(), valuesByName.end(), name,
                                         [](const PlixValue* member, const std::string& wanted) {
                                             return member->getName() < wanted;
@@ -37,9 +37,9 @@ PlixValue* PlixDataSet::getValue(std::string name) const
     return *found;
 }
 
-// A stable sort keeps members of one name in the order they were inserted,
-// so the first inserted comes first and is the one kept.
-void PlixDataSet::indexNewNames() const
+// Made again, whole, after any insert. A stable sort keeps members of one name
+// in the order they were inserted, so the first inserted is the one kept.
+void PlixDataSet::makeByNameList() const
 {
     if (namedFrom == values.size()) {
         return;

@@ -53,12 +53,11 @@ public:
     void resetVerify() { verify = false; }
 
 private:
-    void indexNewNames() const;
+    void makeByNameList() const;
 
     PlixFile* file = nullptr;
     std::vector<PlixValue*> values;
-    // The members findable by name are those from this position on: a copy
-    // finds only the members inserted into it after it was made.
+    // Where the members found by name begin.
     std::size_t firstNamed = 0;
     // The members by name: a flat map sorted byte-wise by name that holds
     // the first member of each name, made from the members at the first

@@ -15,13 +15,15 @@ namespace {
 
 const unsigned typeMismatch = 200;
 
-// Every distinct type text once, by number; number 0 is the empty text of a
-// value whose type is not read yet. Made while loading, on the one thread
-// that owns the model, and never freed, as the values that use it live for
-// the whole run.
+// Every distinct type text once, by number. Made while loading, on the one
+// thread that owns the model, and never freed, as the values that use it live
+// for the whole run.
 class TypeTexts
 {
 public:
+    // The empty text of a value whose type is not read yet.
+    static constexpr std::uint32_t none = 0;
+
     TypeTexts() { numberOf(""); }
 
     std::uint32_t numberOf(std::string text)
@@ -49,8 +51,6 @@ TypeTexts& typeTexts()
     return *texts;
 }
 
-const std::uint32_t noType = 0;
-
 // A content is never freed: a value that took a new default leaves its old
 // content to the values linked to it. One deque holds them all, so a content
 // costs its own size and neither a block header nor a reference count. The
@@ -68,7 +68,7 @@ PlixVariant* newContent(PlixVariant v)
 } // namespace
 
 PlixValue::PlixValue(std::string name, PlixDataSet& dataSet)
-    : name(std::move(name)), dataSet(dataSet), valueType(noType)
+    : name(std::move(name)), dataSet(dataSet), valueType(TypeTexts::none)
 {
 }
 
@@ -77,7 +77,7 @@ PlixValue::PlixValue(std::string name, PlixDataSet& dataSet)
 PlixValue::PlixValue(const PlixValue& other)
     : name(other.name), jpath(other.jpath), dataSet(other.dataSet),
       attachments(other.attachments ? std::make_unique<Attachments>(*other.attachments) : nullptr),
-      currentValue(other.currentValue), jsonNode(other.jsonNode), valueType(noType),
+      currentValue(other.currentValue), jsonNode(other.jsonNode), valueType(TypeTexts::none),
       oldValueValid(other.oldValueValid), isInJson(other.isInJson), linked(other.linked)
 {
 }
