@@ -5,16 +5,20 @@
 #include <cstdio>
 
 namespace {
-enum { applyAll, changeAll, pingDconf, setAllXfconf, pingXfconf };
+enum { applyAll, changeAll, pingDconf, writeAsGlib, writeAsService, setAllXfconf, pingXfconf };
+constexpr int noFloor = -1;
 const char* const section = "comparison";
 } // namespace
 
-PlixBenchVersus::PlixBenchVersus(std::string service, std::vector<std::string> ids, bool withXfconf)
-    : service(std::move(service)), ids(std::move(ids))
+PlixBenchVersus::PlixBenchVersus(std::string service, std::vector<std::string> ids,
+                                 const std::string& storeCopy, bool withXfconf)
+    : disk(storeCopy), service(std::move(service)), ids(std::move(ids))
 {
     contenders.push_back({[this](int i) { return apply(i); }, {}});
     contenders.push_back({[this](int i) { return dconf.change(i); }, {}});
     contenders.push_back({[this](int) { return dconf.ping(); }, {}});
+    contenders.push_back({[this](int) { return disk.replaceAsGlib(); }, {}});
+    contenders.push_back({[this](int) { return disk.replaceAsService(); }, {}});
     if (withXfconf) {
         xfconf = std::make_unique<PlixBenchXfconf>();
         contenders.push_back({[this](int i) { return xfconf->setAll(i); }, {}});
@@ -48,7 +52,8 @@ bool PlixBenchVersus::round(int i, bool warmingUp)
 
 bool PlixBenchVersus::run(int count)
 {
-    if (!bus.connected() || !dconf.connected() || (xfconf && !xfconf->connected())) {
+    if (!bus.connected() || !dconf.connected() || (xfconf && !xfconf->connected()) ||
+        !disk.read()) {
         return false;
     }
     const int warmUp = PlixBenchStats::warmUpOf(count);
@@ -63,10 +68,12 @@ bool PlixBenchVersus::run(int count)
 
 void PlixBenchVersus::printRows() const
 {
+    // A floor of noFloor prints the row without one.
     const auto print = [this](const std::string& figure, long values, int measured, int floor) {
         const PlixBenchStats& stats = contenders[measured].stats;
         PlixBenchStats::printRow(section, values, figure, "us", stats.min(), stats.median(),
-                                 stats.p99(), contenders[floor].stats.median());
+                                 stats.p99(),
+                                 floor == noFloor ? 0.0 : contenders[floor].stats.median());
     };
     print("dconf Writer.Change of 10 keys (durable)", PlixBenchDconf::keysPerChange, changeAll,
           pingDconf);
@@ -74,6 +81,17 @@ void PlixBenchVersus::printRows() const
         print("xfconfd 10 SetProperty of one channel (not durable at reply)",
               PlixBenchXfconf::properties, setAllXfconf, pingXfconf);
     }
-    print("Apply of every value of a 10-value file (durable) vs dconf Change",
-          static_cast<long>(ids.size()), applyAll, changeAll);
+    const long values = static_cast<long>(ids.size());
+    print("Apply of every value of a 10-value file (durable) vs dconf Change", values, applyAll,
+          changeAll);
+    print("disk alone: g_file_set_contents of a copy of the file (as dconf writes)", values,
+          writeAsGlib, noFloor);
+    print("disk alone: the service's durable rewrite of the copy vs g_file_set_contents", values,
+          writeAsService, writeAsGlib);
+    // Estimates from the medians: one number in all three columns.
+    const auto medianOf = [this](int contender) { return contenders[contender].stats.median(); };
+    const double applyBeyond = medianOf(applyAll) - medianOf(writeAsService);
+    PlixBenchStats::printRow(
+        section, values, "Apply less the service's disk work vs Change less GLib's", "us",
+        applyBeyond, applyBeyond, applyBeyond, medianOf(changeAll) - medianOf(writeAsGlib));
 }

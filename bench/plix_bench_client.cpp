@@ -8,12 +8,13 @@
 //       measure the durable rewrite alone (never the service's own file)
 //   plix_bench_client commits SERVICE FLOOR COUNT ID:SIZE...
 //   plix_bench_client throughput SERVICE FLOOR VALUES SECONDS CONNECTIONS...
-//   plix_bench_client versus SERVICE COUNT ID [xfconf]
+//   plix_bench_client versus SERVICE COUNT ID STORE_COPY [xfconf]
 //       durable Apply of the ten values of the data set of ID (ds<n>/v0, a
 //       store file of its own) against durable ten-key writes to the desktop
 //       settings store's writer on the session bus (DBUS_SESSION_BUS_ADDRESS)
 //       and, with xfconf, ten SetProperty calls to the Xfce settings daemon
-//       on the same bus, in rounds of one of each
+//       on the same bus, in rounds of one of each, with the disk's share of
+//       both writes timed on STORE_COPY, a copy of the ten values' file
 //   plix_bench_client ready NAME SINCE TIMEOUT
 //       waits until NAME answers GetIntValueTransient at /plix with status
 //       0; prints the milliseconds since SINCE (seconds since the epoch, as
@@ -41,7 +42,7 @@ int usage()
                  "usage: plix_bench_client latency SERVICE FLOOR VALUES COUNT [STORE_COPY]\n"
                  "       plix_bench_client commits SERVICE FLOOR COUNT ID:SIZE...\n"
                  "       plix_bench_client throughput SERVICE FLOOR VALUES SECONDS CONNECTIONS...\n"
-                 "       plix_bench_client versus SERVICE COUNT ID [xfconf]\n"
+                 "       plix_bench_client versus SERVICE COUNT ID STORE_COPY [xfconf]\n"
                  "       plix_bench_client ready NAME SINCE TIMEOUT\n");
     return 2;
 }
@@ -142,8 +143,8 @@ int runVersus(char** argv)
 {
     const std::string first = argv[4];
     const std::string dataSet = first.substr(0, first.find('/'));
-    const bool withXfconf = argv[5] != nullptr && std::string(argv[5]) == "xfconf";
-    PlixBenchVersus versus(argv[2], PlixBenchConfig::dataSetIds(dataSet, 10), withXfconf);
+    const bool withXfconf = argv[6] != nullptr && std::string(argv[6]) == "xfconf";
+    PlixBenchVersus versus(argv[2], PlixBenchConfig::dataSetIds(dataSet, 10), argv[5], withXfconf);
     return versus.run(std::atoi(argv[3])) ? 0 : 1;
 }
 } // namespace
@@ -161,7 +162,7 @@ int main(int argc, char** argv)
     if (mode == "throughput" && argc >= 7) {
         return runThroughput(argc, argv);
     }
-    if (mode == "versus" && (argc == 5 || argc == 6)) {
+    if (mode == "versus" && (argc == 6 || argc == 7)) {
         return runVersus(argv);
     }
     if (mode == "ready" && argc == 5) {

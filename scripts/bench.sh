@@ -13,7 +13,7 @@
 # durable ten-key write to dconf-service on a private session bus, measured
 # in alternating rounds with the service's durable Apply of the ten values of
 # a file of ten (and ten property writes to xfconfd, the Xfce settings
-# daemon, on the same bus). Prints the table, writes build-bench/bench.csv,
+# daemon, on the same bus), with the disk's share of both timed alone. Prints the table, writes build-bench/bench.csv,
 # build-bench/bench.png and build-bench/engine_bench.csv (the in-process
 # benchmarks of the engine).
 set -euo pipefail
@@ -163,7 +163,10 @@ measure_commits()
     local service_pid=$pid
     client commits "$service_name" "$floor_name" 1000 \
         "${ids[1]}:10" "${ids[0]}:1000" "${ids[2]}:10000" >>"$csv"
-    client versus "$service_name" 300 "${ids[1]}" "${with_xfconf[@]}" >>"$csv"
+    mkdir "$run/disk"
+    cp "$run/commit/store1.json" "$run/disk/store1.json"
+    client versus "$service_name" 300 "${ids[1]}" "$run/disk/store1.json" "${with_xfconf[@]}" \
+        >>"$csv"
     stop_process "$service_pid"
 }
 
