@@ -10,6 +10,14 @@ bool failed(const char* way, const std::string& copy, const std::string& reason)
     std::fprintf(stderr, "plix_bench_client: %s of %s: %s\n", way, copy.c_str(), reason.c_str());
     return false;
 }
+
+// The same for a failure that GLib reports; frees its error.
+bool failed(const char* way, const std::string& copy, GError* error)
+{
+    failed(way, copy, std::string(error->message));
+    g_error_free(error);
+    return false;
+}
 } // namespace
 
 PlixBenchDisk::PlixBenchDisk(const std::string& copy) : copy(copy), durable(copy)
@@ -22,9 +30,7 @@ bool PlixBenchDisk::read()
     gsize length = 0;
     GError* error = nullptr;
     if (!g_file_get_contents(copy.c_str(), &text, &length, &error)) {
-        const std::string reason = error->message;
-        g_error_free(error);
-        return failed("reading", copy, reason);
+        return failed("reading", copy, error);
     }
     bytes.assign(text, length);
     g_free(text);
@@ -34,13 +40,9 @@ bool PlixBenchDisk::read()
 bool PlixBenchDisk::replaceAsGlib() const
 {
     GError* error = nullptr;
-    if (!g_file_set_contents(copy.c_str(), bytes.data(), static_cast<gssize>(bytes.size()),
-                             &error)) {
-        const std::string reason = error->message;
-        g_error_free(error);
-        return failed("g_file_set_contents", copy, reason);
-    }
-    return true;
+    return g_file_set_contents(copy.c_str(), bytes.data(), static_cast<gssize>(bytes.size()),
+                               &error) ||
+           failed("g_file_set_contents", copy, error);
 }
 
 bool PlixBenchDisk::replaceAsService() const

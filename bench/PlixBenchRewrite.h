@@ -4,9 +4,9 @@
 
 // The durable rewrite of one store file measured alone, in this process,
 // with the service's own store code: the file is read once, then written
-// back whole (new file synced, renamed over the old one) again and again.
-// Of a persistent commit over the bus this is the part the disk decides;
-// the rest is the bus and the engine.
+// back whole (new file synced, renamed over the old one, directory synced)
+// again and again. Of a persistent commit over the bus this is the part the
+// disk decides; the rest is the bus and the engine.
 class PlixBenchRewrite
 {
 public:
