@@ -13,9 +13,9 @@
 # durable ten-key write to dconf-service on a private session bus, measured
 # in alternating rounds with the service's durable Apply of the ten values of
 # a file of ten (and ten property writes to xfconfd, the Xfce settings
-# daemon, on the same bus), with the disk's share of both timed alone. Prints the table, writes build-bench/bench.csv,
-# build-bench/bench.png and build-bench/engine_bench.csv (the in-process
-# benchmarks of the engine).
+# daemon, on the same bus), with the disk's share of both timed alone.
+# Prints the table, writes build-bench/bench.csv, build-bench/bench.png and
+# build-bench/engine_bench.csv (the in-process benchmarks of the engine).
 set -euo pipefail
 export LC_ALL=C
 
