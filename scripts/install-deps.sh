@@ -6,7 +6,7 @@ set -eu
 packages="cmake make g++ clang pkg-config libglib2.0-dev libglib2.0-bin \
 libexpat1-dev libssl-dev nlohmann-json3-dev libgtest-dev libgmock-dev \
 dbus-daemon dbus-bin util-linux procps psmisc openssl libclang-rt-14-dev \
-libnl-3-dev libnl-route-3-dev iproute2 $*"
+libnl-3-dev libnl-route-3-dev iproute2 mandoc man-db $*"
 
 missing=""
 for p in $packages; do

@@ -1,9 +1,10 @@
 #!/bin/sh
 # Static checks of the service's own sources: clang-tidy (rules in
-# .clang-tidy) with the compile commands of a build of its own, cppcheck, and
-# the formatting check of clang-format (rules in .clang-format) over every
-# C and C++ file of the repository. Generated bus glue is not checked.
-# Ends with a non-zero status when any of the three finds something.
+# .clang-tidy) with the compile commands of a build of its own, cppcheck, the
+# formatting check of clang-format (rules in .clang-format) over every C and
+# C++ file of the repository, and mandoc's check of the manual pages (every
+# message, style included). Generated bus glue is not checked.
+# Ends with a non-zero status when any of the four finds something.
 #
 #   PLIX_LINT_BUILD_DIR  build directory (default build-lint)
 set -eu
@@ -41,6 +42,11 @@ if ! cppcheck --quiet --error-exitcode=1 --std=c11 --language=c \
         --enable=warning,performance,portability --inline-suppr \
         --suppress=missingIncludeSystem -Iplatform \
         $(echo "$service_sources" | grep '\.c$'); then
+    status=1
+fi
+
+echo "lint: manual pages"
+if ! mandoc -T lint man/*.[0-9]; then
     status=1
 fi
 

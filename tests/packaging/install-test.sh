@@ -38,6 +38,9 @@ layout() {
     for store in factory network panel ports remoteaccess; do
         expect_mode 600 "$PLIX_CONFIG_DIR/$store.json"
     done
+    for page in man8/dbus-ex-plix.8 man1/plixctl.1 man5/plix_config.xml.5; do
+        expect_file "$PLIX_MAN_DIR/$page$PLIX_MAN_SUFFIX"
+    done
 }
 
 keeps_configuration() {
