@@ -6,6 +6,7 @@
 #include "PlixValueValidator.h"
 #include "PlixNumber.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <deque>
 #include <unordered_map>
@@ -13,7 +14,16 @@
 
 namespace {
 
-const unsigned typeMismatch = 200;
+// The code of a value that is not allowed: of another type than the value's
+// content, or a number that the store cannot hold.
+const unsigned notAllowed = 200;
+
+// JSON has no text for NaN or an infinity: the store would hold null in its
+// place, and the value would have no content after the next start.
+bool storable(const PlixVariant& v)
+{
+    return v.getDataType() != PlixVariant::DOUBLE || std::isfinite(v.asDouble());
+}
 
 // Every distinct type text once, by number. Made while loading, on the one
 // thread that owns the model, and never freed, as the values that use it live
@@ -152,7 +162,12 @@ unsigned PlixValue::setWantedSetValue(PlixVariant v)
     oldValueValid = false;
     if (wanted.getDataType() != getValue().getDataType()) {
         plixLog(LOG_WARNING, "Datatype doesnt match the one from %s", name.c_str());
-        return typeMismatch;
+        return notAllowed;
+    }
+    if (!storable(wanted)) {
+        plixLog(LOG_WARNING, "Validation failed: value for %s/%s not a finite number!",
+                dataSet.getName().c_str(), name.c_str());
+        return notAllowed;
     }
     if (PlixValueValidator* validator = getValueValidator()) {
         const unsigned result = validator->validate();

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -83,6 +84,24 @@ protected:
         CaptureStdout();
         target.changeJsonNode();
         return GetCapturedStdout();
+    }
+
+    // Offers a double value of eth0 each double that JSON has no text for.
+    void expectNonFiniteDoublesRefused()
+    {
+        dataSet.setName("eth0");
+        value.setDefaultValue(PlixVariant(2.5));
+        for (const double wanted :
+             {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
+              -std::numeric_limits<double>::infinity()}) {
+            CaptureStdout();
+            const unsigned result = value.setWantedSetValue(PlixVariant(wanted));
+            EXPECT_EQ(GetCapturedStdout(),
+                      "[NOT] Validation failed: value for eth0/ip not a finite number!\n");
+            EXPECT_EQ(result, 200u);
+        }
+        EXPECT_FALSE(dataSet.toVerify());
+        EXPECT_EQ(value.getValue().asDouble(), 2.5);
     }
 
     PlixFile file;
@@ -290,6 +309,30 @@ TEST_F(PlixValueTest, WantedValueWithoutValidatorMarksTheDataSet)
     EXPECT_EQ(value.setWantedSetValue(PlixVariant("b")), 0u);
     EXPECT_TRUE(dataSet.toVerify());
     EXPECT_EQ(value.getWantedSetValue().asString(), "b");
+}
+
+TEST_F(PlixValueTest, NonFiniteDoubleIsRefusedWith200BeforeTheValidator)
+{
+    CountingValidator validator(value, 0);
+    value.setValidator(&validator);
+    expectNonFiniteDoublesRefused();
+    EXPECT_EQ(validator.calls, 0);
+}
+
+TEST_F(PlixValueTest, NonFiniteDoubleWithoutValidatorIsRefusedWith200)
+{
+    expectNonFiniteDoublesRefused();
+}
+
+TEST_F(PlixValueTest, ExtremeFiniteDoublesAreAccepted)
+{
+    value.setDefaultValue(PlixVariant(2.5));
+    for (const double wanted :
+         {std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest(),
+          std::numeric_limits<double>::denorm_min(), -0.0}) {
+        EXPECT_EQ(value.setWantedSetValue(PlixVariant(wanted)), 0u);
+    }
+    EXPECT_TRUE(dataSet.toVerify());
 }
 
 TEST_F(PlixValueTest, SetValueKeepsThePreviousContentForRollBack)
