@@ -63,6 +63,8 @@ void OrvantaSystemBus::on_name_acquired_sem_locked(GDBusConnection* connection, 
     // configuring happens while it is being released.
     export_interfaces(connection);
     mReleaseParent(mSemid, configure_interfaces);
+    // The handshake removed the set: no parent waits any more.
+    mSemid = -1;
 }
 
 void OrvantaSystemBus::on_name_lost(GDBusConnection*, const gchar*, gpointer)
@@ -74,7 +76,11 @@ void OrvantaSystemBus::on_name_lost(GDBusConnection*, const gchar*, gpointer)
 void OrvantaSystemBus::on_name_lost_sem_locked(GDBusConnection*, const gchar*, gpointer)
 {
     plixLog(LOG_ERR, "%s", nameLostMessage);
-    mReleaseParent(mSemid, nullptr);
+    // Only a name lost before it was ever acquired still has the parent
+    // waiting; after the handshake the set is gone.
+    if (mSemid >= 0) {
+        mReleaseParent(mSemid, nullptr);
+    }
     plixExit(2);
 }
 

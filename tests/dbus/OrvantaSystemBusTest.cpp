@@ -180,6 +180,22 @@ TEST_F(OrvantaSystemBusTest, NameLostInDaemonModeReleasesParentRemovesSetAndExit
     semctl(semid, 0, IPC_RMID);
 }
 
+TEST_F(OrvantaSystemBusTest, NameLostAfterTheDaemonsStartUpExitsWithStatus2AndNoSemaphoreError)
+{
+    GTEST_FLAG_SET(death_test_style, "fast");
+    const int semid = parentWaitingSet();
+    ASSERT_GE(semid, 0);
+    OrvantaDBusType::mSemid = semid;
+    OrvantaSystemBus::on_name_acquired_sem_locked(nullptr, "com.orvanta.plix", nullptr);
+    ASSERT_FALSE(semaphoreSetExists(semid));
+    EXPECT_EXIT(
+        {
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            OrvantaSystemBus::on_name_lost_sem_locked(nullptr, "com.orvanta.plix", nullptr);
+        },
+        testing::ExitedWithCode(2), "(^|\n)\\[ERR\\] Could not register servicename on bus\n$");
+}
+
 TEST_F(OrvantaSystemBusTest, ObjectsAreExportedInRegistrationOrderEachRightAfterItsConnect)
 {
     GDBusConnection* connection = PrivateBus::connect();

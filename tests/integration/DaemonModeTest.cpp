@@ -1,13 +1,24 @@
 #include "PlixIntegrationTest.h"
+#include "PlixTestLogger.h"
 #include "PlixWait.h"
 
+#include <syslog.h>
+
 #include <algorithm>
+#include <optional>
 
 namespace {
 bool endedWith(const std::vector<std::pair<pid_t, int>>& ended, int status)
 {
     return std::any_of(ended.begin(), ended.end(),
                        [&](const auto& process) { return process.second == status; });
+}
+
+std::optional<int> statusOf(const std::vector<std::pair<pid_t, int>>& ended, pid_t pid)
+{
+    const auto process = std::find_if(ended.begin(), ended.end(),
+                                      [&](const auto& entry) { return entry.first == pid; });
+    return process == ended.end() ? std::nullopt : std::optional<int>(process->second);
 }
 } // namespace
 
@@ -44,4 +55,32 @@ TEST_F(DaemonMode, SecondInstanceAsDaemonEndsItsParentWith0AndItsChildWith2)
     // records it.
     EXPECT_TRUE(plixWaitUntil([&] { return endedWith(first->endedProcesses(), 2); }, kExitBound));
     EXPECT_EQ(newClient().getIntTransient("general/count").value, 42);
+}
+
+TEST_F(DaemonMode, ChildLosingTheNameAfterStartUpEnds2WithItsErrorLine)
+{
+    PlixTestLogger logger(dir());
+    PlixServiceProcess& service = start({"-d", "-c", writeConfig()}, logger.environment());
+    ASSERT_TRUE(waitServing(service)) << tail(service);
+    const pid_t child = namespacePidOf(servicePid());
+
+    EXPECT_EQ(newClient().requestNameReplacing(PlixBusClient::kServiceName),
+              PlixBusClient::kPrimaryOwner);
+    ASSERT_TRUE(plixWaitUntil([&] { return statusOf(service.endedProcesses(), child).has_value(); },
+                              kExitBound));
+    EXPECT_EQ(statusOf(service.endedProcesses(), child), 2);
+    // A detached daemon writes to the system log only; its last message is
+    // the one the foreground prints in the same case.
+    const std::string nameLost = "Could not register servicename on bus";
+    EXPECT_TRUE(plixWaitUntil(
+        [&] {
+            const auto messages = logger.messages();
+            return std::any_of(messages.begin(), messages.end(),
+                               [&](const auto& message) { return message.text == nameLost; });
+        },
+        kExitBound));
+    const auto messages = logger.messages();
+    ASSERT_FALSE(messages.empty());
+    EXPECT_EQ(messages.back().text, nameLost);
+    EXPECT_EQ(messages.back().priority, LOG_USER | LOG_ERR);
 }

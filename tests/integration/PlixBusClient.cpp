@@ -229,3 +229,17 @@ std::string PlixBusClient::introspect(const std::string& path) const
     g_variant_get(reply.get(), "(&s)", &xml);
     return xml;
 }
+
+guint32 PlixBusClient::requestNameReplacing(const std::string& name) const
+{
+    // DBUS_NAME_FLAG_REPLACE_EXISTING
+    constexpr guint32 replaceExisting = 2;
+    PlixGVariantPtr reply =
+        call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+             g_variant_new("(su)", name.c_str(), replaceExisting));
+    guint32 answer = 0;
+    if (reply) {
+        g_variant_get(reply.get(), "(u)", &answer);
+    }
+    return answer;
+}

@@ -75,6 +75,12 @@ public:
 
     std::string introspect(const std::string& path) const;
 
+    // Asks the bus for a well-known name with replace-existing, as a rival
+    // owner would; returns the bus's answer (kPrimaryOwner when it took the
+    // name), or 0 when none came.
+    static constexpr guint32 kPrimaryOwner = 1;
+    guint32 requestNameReplacing(const std::string& name) const;
+
 private:
     int statusOf(const std::string& method, GVariant* params) const;
     template <typename T>

@@ -8,10 +8,6 @@
 #include <cstdio>
 
 namespace {
-// DBUS_NAME_FLAG_REPLACE_EXISTING, and the reply "now the primary owner".
-constexpr guint32 kReplaceExisting = 2;
-constexpr guint32 kPrimaryOwner = 1;
-
 std::string outputOf(const std::string& command)
 {
     std::string output;
@@ -32,14 +28,8 @@ using ProcessLife = PlixServingTest;
 
 TEST_F(ProcessLife, LosingTheNameToAReplacingOwnerEnds2)
 {
-    PlixBusClient& rival = newClient();
-    PlixGVariantPtr reply = rival.call(
-        "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-        g_variant_new("(su)", PlixBusClient::kServiceName, kReplaceExisting));
-    ASSERT_TRUE(reply);
-    guint32 result = 0;
-    g_variant_get(reply.get(), "(u)", &result);
-    EXPECT_EQ(result, kPrimaryOwner);
+    EXPECT_EQ(newClient().requestNameReplacing(PlixBusClient::kServiceName),
+              PlixBusClient::kPrimaryOwner);
     EXPECT_EQ(service().waitExit(kExitBound), 2);
     EXPECT_EQ(plixLastLines(lines(), 1),
               std::vector<std::string>{"[ERR] Could not register servicename on bus"});
