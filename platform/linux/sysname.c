@@ -1,5 +1,7 @@
 /* sysconfig_set_sysname of the Linux backend: the station name becomes the
- * kernel's host name at once and /etc/hostname for the next boot. */
+ * kernel's host name at once and /etc/hostname for the next boot. The file
+ * is written first and put back when the kernel refuses the name, so that
+ * the answer, the running name and the file always agree. */
 #include "sysconfig_linux.h"
 
 #include <ctype.h>
@@ -16,6 +18,16 @@
 #define HOSTNAME_FILE HOSTNAME_DIR "/hostname"
 
 enum { LABEL_MAX = 63 };
+/* The most of an existing /etc/hostname that is kept to be put back. */
+enum { OLD_FILE_MAX = 4096 };
+
+/* What /etc/hostname held before the new name was written. */
+typedef struct
+{
+    int existed;
+    size_t length;
+    char text[OLD_FILE_MAX];
+} old_file_t;
 
 /* One label of RFC 1123: letters, digits and inner hyphens. */
 static int is_host_label(const char* name, size_t length)
@@ -107,6 +119,40 @@ static int write_hostname_file(const char* line, size_t length)
     return sync_directory();
 }
 
+/* A file too long to be kept whole is refused before anything changes. */
+static int read_old_file(old_file_t* old)
+{
+    old->length = 0;
+    int fd = open(HOSTNAME_FILE, O_RDONLY | O_CLOEXEC);
+    old->existed = fd >= 0;
+    if (fd < 0) {
+        return errno == ENOENT || file_error("opening", HOSTNAME_FILE);
+    }
+    ssize_t got = 0;
+    do {
+        got = read(fd, old->text + old->length, sizeof old->text - old->length);
+        old->length += got > 0 ? (size_t)got : 0;
+    } while ((got > 0 || (got < 0 && errno == EINTR)) && old->length < sizeof old->text);
+    if (got > 0) {
+        errno = EFBIG;
+    }
+    int reason = errno;
+    close(fd);
+    errno = reason;
+    return got == 0 || file_error("reading", HOSTNAME_FILE);
+}
+
+static void put_back(const old_file_t* old)
+{
+    if (old->existed) {
+        write_hostname_file(old->text, old->length);
+    } else if (unlink(HOSTNAME_FILE) != 0) {
+        file_error("removing", HOSTNAME_FILE);
+    } else {
+        sync_directory();
+    }
+}
+
 int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t* name)
 {
     (void)caller; /* the service always calls with its one identifier */
@@ -117,14 +163,14 @@ int sysconfig_set_sysname(uint16_t caller, const sysconfig_sysname_t* name)
     char line[LABEL_MAX + 2];
     memcpy(line, name->name, name->length);
     line[name->length] = '\n';
+    old_file_t old;
+    if (!read_old_file(&old) || !write_hostname_file(line, name->length + 1)) {
+        return SYSCONFIG_FAILED;
+    }
     if (sethostname(line, name->length) != 0) {
         sysconfig_linux_log(LOG_ERR, "sysconfig_set_sysname: sethostname failed: %s",
                             strerror(errno));
-        return SYSCONFIG_FAILED;
-    }
-    /* A name that cannot be stored still answers failure although the
-     * running name has changed: the next boot would bring the old one back. */
-    if (!write_hostname_file(line, name->length + 1)) {
+        put_back(&old);
         return SYSCONFIG_FAILED;
     }
     sysconfig_linux_log(LOG_INFO, "sysconfig_set_sysname: host name set to %.*s", (int)name->length,

@@ -45,12 +45,19 @@ std::string setAndReport(const std::string& text)
 {
     return setAndReport(text.data(), text.size());
 }
+
+bool readOnly(const char* mountPoint)
+{
+    return mount(nullptr, mountPoint, nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+}
 } // namespace
 
 class SysconfigSetSysnameTest : public testing::Test
 {
 protected:
-    enum class Etc { Directory, MountedFile, ReadOnly };
+    // /etc as a directory of its own, with /etc/hostname a file mounted into
+    // place, read-only, or with /etc/hostname a read-only file mounted there.
+    enum class Etc { Directory, MountedFile, ReadOnly, ReadOnlyFile };
 
     void SetUp() override
     {
@@ -87,10 +94,10 @@ protected:
             if (unshare(CLONE_NEWUTS | CLONE_NEWNS) != 0 ||
                 mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
                 mount(source.c_str(), "/etc", nullptr, MS_BIND, nullptr) != 0 ||
-                (form == Etc::MountedFile &&
+                ((form == Etc::MountedFile || form == Etc::ReadOnlyFile) &&
                  mount(mountedFile.c_str(), "/etc/hostname", nullptr, MS_BIND, nullptr) != 0) ||
-                (form == Etc::ReadOnly &&
-                 mount(nullptr, "/etc", nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) != 0) ||
+                (form == Etc::ReadOnly && !readOnly("/etc")) ||
+                (form == Etc::ReadOnlyFile && !readOnly("/etc/hostname")) ||
                 sethostname("before-name", 11) != 0) {
                 return std::string("no namespace");
             }
@@ -105,6 +112,18 @@ protected:
     {
         testing::internal::CaptureStdout();
         std::string report = isolated(form, [&text]() { return setAndReport(text); });
+        return {report, testing::internal::GetCapturedStdout()};
+    }
+
+    // The answer, host name and printed lines of a call the kernel refuses.
+    std::pair<std::string, std::string> setRefused(Etc form)
+    {
+        testing::internal::CaptureStdout();
+        std::string report = isolated(form, []() {
+            return PlixTestChild::dropCapability(CAP_SYS_ADMIN)
+                       ? setAndReport("station-7")
+                       : std::string("capabilities unchanged");
+        });
         return {report, testing::internal::GetCapturedStdout()};
     }
 
@@ -182,27 +201,61 @@ TEST_F(SysconfigSetSysnameTest, MissingNameTextAnswers0)
     EXPECT_EQ("old-name\n", readFile(etc + "/hostname"));
 }
 
-TEST_F(SysconfigSetSysnameTest, ReadOnlyEtcAnswers0WithReason)
+TEST_F(SysconfigSetSysnameTest, ReadOnlyEtcAnswers0AndLeavesTheRunningName)
 {
     auto [report, output] = setCapturing("station-7", Etc::ReadOnly);
-    EXPECT_EQ("0 station-7", report);
+    EXPECT_EQ("0 before-name", report);
     EXPECT_EQ("[ERR] sysconfig_set_sysname: creating a temporary file in /etc failed: Read-only "
               "file system\n",
               output);
     EXPECT_EQ("old-name\n", readFile(etc + "/hostname"));
 }
 
-TEST_F(SysconfigSetSysnameTest, RefusedSethostnameAnswers0WithReason)
+TEST_F(SysconfigSetSysnameTest, ReadOnlyHostnameFileAnswers0AndLeavesTheRunningName)
 {
-    testing::internal::CaptureStdout();
-    std::string report = isolated(Etc::Directory, []() {
-        return PlixTestChild::dropCapability(CAP_SYS_ADMIN) ? setAndReport("station-7")
-                                                            : std::string("capabilities unchanged");
-    });
-    EXPECT_EQ("[ERR] sysconfig_set_sysname: sethostname failed: Operation not permitted\n",
-              testing::internal::GetCapturedStdout());
+    auto [report, output] = setCapturing("station-7", Etc::ReadOnlyFile);
+    EXPECT_EQ("0 before-name", report);
+    EXPECT_EQ("[ERR] sysconfig_set_sysname: opening /etc/hostname failed: Read-only file system\n",
+              output);
+    EXPECT_EQ("old-name\n", readFile(directory + "/mounted-hostname"));
+    EXPECT_EQ(std::vector<std::string>{"hostname"}, etcEntries());
+}
+
+TEST_F(SysconfigSetSysnameTest, RefusedSethostnameAnswers0AndPutsTheFileBack)
+{
+    auto [report, output] = setRefused(Etc::Directory);
+    EXPECT_EQ("[ERR] sysconfig_set_sysname: sethostname failed: Operation not permitted\n", output);
     EXPECT_EQ("0 before-name", report);
     EXPECT_EQ("old-name\n", readFile(etc + "/hostname"));
+    EXPECT_EQ(std::vector<std::string>{"hostname"}, etcEntries());
+}
+
+TEST_F(SysconfigSetSysnameTest, RefusedSethostnamePutsBackAFileMountedIntoPlace)
+{
+    auto [report, output] = setRefused(Etc::MountedFile);
+    EXPECT_EQ("[ERR] sysconfig_set_sysname: sethostname failed: Operation not permitted\n", output);
+    EXPECT_EQ("0 before-name", report);
+    EXPECT_EQ("old-name\n", readFile(directory + "/mounted-hostname"));
+}
+
+TEST_F(SysconfigSetSysnameTest, RefusedSethostnameRemovesAFileThatWasNotThere)
+{
+    std::filesystem::remove(etc + "/hostname");
+    auto [report, output] = setRefused(Etc::Directory);
+    EXPECT_EQ("[ERR] sysconfig_set_sysname: sethostname failed: Operation not permitted\n", output);
+    EXPECT_EQ("0 before-name", report);
+    EXPECT_EQ(std::vector<std::string>{}, etcEntries());
+}
+
+TEST_F(SysconfigSetSysnameTest, HostnameFileTooLongToBeKeptAnswers0AndChangesNothing)
+{
+    const std::string longFile(4096, '#');
+    writeFile(etc + "/hostname", longFile);
+    auto [report, output] = setCapturing("station-7");
+    EXPECT_EQ("0 before-name", report);
+    EXPECT_EQ("[ERR] sysconfig_set_sysname: reading /etc/hostname failed: File too large\n",
+              output);
+    EXPECT_EQ(longFile, readFile(etc + "/hostname"));
 }
 
 struct InvalidName
