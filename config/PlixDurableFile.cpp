@@ -1,6 +1,7 @@
 #include "PlixDurableFile.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -9,8 +10,14 @@
 
 namespace {
 const char* const temporarySuffix = ".plix-new";
-// The mode of a file that did not exist before: what the umask leaves.
-constexpr int noMode = -1;
+// As many links as the kernel follows in one path before it gives up.
+constexpr int mostLinks = 40;
+
+bool failed(std::string& error)
+{
+    error = std::strerror(errno);
+    return false;
+}
 
 bool writeAll(int fd, const std::string& text)
 {
@@ -33,6 +40,115 @@ std::string directoryOf(const std::string& path)
     }
     return slash == 0 ? "/" : path.substr(0, slash);
 }
+
+bool readLink(const std::string& link, std::string& target)
+{
+    std::string buffer(PATH_MAX, '\0');
+    const ssize_t length = readlink(link.c_str(), buffer.data(), buffer.size());
+    if (length < 0) {
+        return false;
+    }
+    if (static_cast<std::size_t>(length) == buffer.size()) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    target = buffer.substr(0, static_cast<std::size_t>(length));
+    return true;
+}
+
+// Where a link's text leads: a relative one is read from the directory the
+// link is in, as the kernel reads it.
+std::string linkTarget(const std::string& link, const std::string& text)
+{
+    if (!text.empty() && text.front() == '/') {
+        return text;
+    }
+    std::string target = directoryOf(link);
+    target += '/';
+    target += text;
+    return target;
+}
+
+// The file a path leads to in the end. A file that does not exist yet is
+// created where the last link points.
+bool followLinks(const std::string& path, std::string& file, std::string& error)
+{
+    file = path;
+    struct stat status;
+    for (int links = 0; lstat(file.c_str(), &status) == 0 && S_ISLNK(status.st_mode); ++links) {
+        std::string next;
+        if (links == mostLinks) {
+            errno = ELOOP;
+            return failed(error);
+        }
+        if (!readLink(file, next)) {
+            return failed(error);
+        }
+        file = linkTarget(file, next);
+    }
+    return true;
+}
+
+// A service that does not run as root cannot give a file away: its new file
+// then stays its own, as a file it created always was.
+bool takeOver(int fd, const struct stat* old)
+{
+    if (old == nullptr) {
+        return true;
+    }
+    const bool owned = fchown(fd, old->st_uid, old->st_gid) == 0 || errno == EPERM;
+    return owned && fchmod(fd, old->st_mode & 07777) == 0;
+}
+
+// A leftover is removed first, not reused: it would keep its own mode.
+bool writeTemporary(const std::string& temporary, const std::string& text, const struct stat* old,
+                    std::string& error)
+{
+    unlink(temporary.c_str());
+    const int fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd < 0) {
+        return failed(error);
+    }
+    bool ok = takeOver(fd, old) && writeAll(fd, text) && fsync(fd) == 0;
+    if (!ok) {
+        failed(error);
+    }
+    if (close(fd) != 0 && ok) {
+        ok = failed(error);
+    }
+    return ok;
+}
+
+// The rename survives a power loss only once the directory is on disk too.
+bool syncDirectory(const std::string& file, std::string& error)
+{
+    const int fd = open(directoryOf(file).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool ok = fd >= 0 && fsync(fd) == 0;
+    if (!ok) {
+        failed(error);
+    }
+    if (fd >= 0) {
+        close(fd);
+    }
+    return ok;
+}
+
+bool replaceFile(const std::string& file, const std::string& text, std::string& error)
+{
+    struct stat status;
+    const bool existed = stat(file.c_str(), &status) == 0;
+    const std::string temporary = file + temporarySuffix;
+    if (!writeTemporary(temporary, text, existed ? &status : nullptr, error)) {
+        unlink(temporary.c_str());
+        return false;
+    }
+    if (std::rename(temporary.c_str(), file.c_str()) != 0) {
+        failed(error);
+        unlink(temporary.c_str());
+        return false;
+    }
+    return syncDirectory(file, error);
+}
 } // namespace
 
 PlixDurableFile::PlixDurableFile(std::string path) : path(std::move(path))
@@ -41,64 +157,18 @@ PlixDurableFile::PlixDurableFile(std::string path) : path(std::move(path))
 
 std::string PlixDurableFile::temporaryPath() const
 {
-    return path + temporarySuffix;
+    std::string file;
+    std::string error;
+    return (followLinks(path, file, error) ? file : path) + temporarySuffix;
 }
 
 bool PlixDurableFile::replace(const std::string& text, std::string& error) const
 {
-    struct stat status;
-    const int mode =
-        stat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : noMode;
-    const std::string temporary = temporaryPath();
-    if (!writeTemporary(text, mode, error)) {
-        unlink(temporary.c_str());
-        return false;
-    }
-    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-        error = std::strerror(errno);
-        unlink(temporary.c_str());
-        return false;
-    }
-    return syncDirectory(error);
+    std::string file;
+    return followLinks(path, file, error) && replaceFile(file, text, error);
 }
 
 void PlixDurableFile::removeLeftover() const
 {
     unlink(temporaryPath().c_str());
-}
-
-// A leftover is removed first, not reused: it would keep its own mode.
-bool PlixDurableFile::writeTemporary(const std::string& text, int mode, std::string& error) const
-{
-    const std::string temporary = temporaryPath();
-    unlink(temporary.c_str());
-    const int fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (fd < 0) {
-        error = std::strerror(errno);
-        return false;
-    }
-    bool ok = (mode == noMode || fchmod(fd, static_cast<mode_t>(mode)) == 0) &&
-              writeAll(fd, text) && fsync(fd) == 0;
-    if (!ok) {
-        error = std::strerror(errno);
-    }
-    if (close(fd) != 0 && ok) {
-        error = std::strerror(errno);
-        ok = false;
-    }
-    return ok;
-}
-
-// The rename survives a power loss only once the directory is on disk too.
-bool PlixDurableFile::syncDirectory(std::string& error) const
-{
-    const int fd = open(directoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const bool ok = fd >= 0 && fsync(fd) == 0;
-    if (!ok) {
-        error = std::strerror(errno);
-    }
-    if (fd >= 0) {
-        close(fd);
-    }
-    return ok;
 }

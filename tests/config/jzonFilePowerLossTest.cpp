@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <random>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -67,14 +68,12 @@ Clock::duration timeToFirstWrite(const PlixConfigTestDir& dir, const Json& secon
     EXPECT_TRUE(written) << "no write completed within the bound";
     return needed;
 }
-} // namespace
 
-TEST(jzonFilePowerLoss, KillingAWriterAtAnyPointLeavesOneWholeDocument)
+// Kills the writer of "store.json" 200 times at random points of its writes;
+// each time the file holds one of the two documents whole.
+void killWritersOf(const PlixConfigTestDir& dir, const Json& first, const Json& second)
 {
-    PlixConfigTestDir dir;
-    const Json first = documentWithState("first");
-    const Json second = documentWithState("second");
-    std::string path = dir.write("store.json", first.dump(4) + "\n");
+    const std::string path = dir.path("store.json");
     // The kills must reach into the writes themselves however busy the
     // machine is, so the window grows with the time a first write takes.
     const auto window = std::clamp(
@@ -92,4 +91,24 @@ TEST(jzonFilePowerLoss, KillingAWriterAtAnyPointLeavesOneWholeDocument)
         Json found = Json::parse(text, nullptr, false);
         ASSERT_TRUE(found == first || found == second) << "after kill " << kill;
     }
+}
+} // namespace
+
+TEST(jzonFilePowerLoss, KillingAWriterAtAnyPointLeavesOneWholeDocument)
+{
+    PlixConfigTestDir dir;
+    const Json first = documentWithState("first");
+    dir.write("store.json", first.dump(4) + "\n");
+    killWritersOf(dir, first, documentWithState("second"));
+}
+
+TEST(jzonFilePowerLoss, KillingTheWriterOfALinkedFileLeavesOneWholeDocumentAndTheLink)
+{
+    PlixConfigTestDir dir;
+    const Json first = documentWithState("first");
+    std::filesystem::create_directory(dir.path("data"));
+    dir.write("data/store.json", first.dump(4) + "\n");
+    std::filesystem::create_symlink("data/store.json", dir.path("store.json"));
+    killWritersOf(dir, first, documentWithState("second"));
+    EXPECT_TRUE(std::filesystem::is_symlink(dir.path("store.json")));
 }

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <random>
 #include <thread>
@@ -72,11 +73,13 @@ protected:
     {
         return nlohmann::json::parse(fileText("store.json"), nullptr, false);
     }
+
+    // Kills the service gCycles times while it commits to "store.json".
+    void killDuringCommits(const std::string& xml);
 };
 
-TEST_F(PowerLossTest, KilledDuringPersistentCommitsLeavesTheOldOrTheNewDocument)
+void PowerLossTest::killDuringCommits(const std::string& xml)
 {
-    const std::string xml = writeConfig();
     const nlohmann::json original = storeOrNull();
     std::mt19937 random(std::random_device{}());
     int counter = original["load"]["counter"].get<int>();
@@ -107,6 +110,22 @@ TEST_F(PowerLossTest, KilledDuringPersistentCommitsLeavesTheOldOrTheNewDocument)
     }
     std::cout << "power loss: " << gCycles << " kills, " << counter << " commits kept\n";
     EXPECT_GT(counter, original["load"]["counter"].get<int>());
+}
+
+TEST_F(PowerLossTest, KilledDuringPersistentCommitsLeavesTheOldOrTheNewDocument)
+{
+    killDuringCommits(writeConfig());
+}
+
+// The store file a link into another directory, which every rewrite keeps.
+TEST_F(PowerLossTest, LinkedStoreKilledDuringPersistentCommitsLeavesTheOldOrTheNewDocument)
+{
+    const std::string xml = writeConfig();
+    dir().makeDirectory("data");
+    std::filesystem::rename(dir().file("store.json"), dir().file("data/store.json"));
+    std::filesystem::create_symlink("data/store.json", dir().file("store.json"));
+    killDuringCommits(xml);
+    EXPECT_TRUE(std::filesystem::is_symlink(dir().file("store.json")));
 }
 
 int main(int argc, char** argv)

@@ -11,6 +11,9 @@
 #                        with the machine's null, zero, random and urandom in
 #                        it, so that a log socket the test made there is the
 #                        namespace's system logger
+#   PLIX_TEST_READONLY   optional: directories (separated by blanks) that are
+#                        read-only inside the namespaces, as on a device whose
+#                        root file system is mounted read-only
 if [ -z "$PLIX_TEST_LOCKDIR" ] || [ -z "$PLIX_TEST_REAL_LOCK" ]; then
     echo "plix-ns-setup: lock directory variables missing" >&2
     exit 97
@@ -31,6 +34,13 @@ if [ -n "$PLIX_TEST_DEV" ]; then
         exit 97
     fi
 fi
+for directory in $PLIX_TEST_READONLY; do
+    if ! { mount --bind "$directory" "$directory" &&
+        mount -o remount,bind,ro "$directory"; }; then
+        echo "plix-ns-setup: cannot make $directory read-only" >&2
+        exit 97
+    fi
+done
 if [ -n "$PLIX_TEST_PRELOAD" ]; then
     LD_PRELOAD="$PLIX_TEST_PRELOAD"
     export LD_PRELOAD
