@@ -5,9 +5,20 @@
 #include "PlixShellCommand.h"
 #include "PlixValue.h"
 
+#include <vector>
+
 PlixDataSetOnChangeExecute::PlixDataSetOnChangeExecute(PlixDataSet& dataSet)
     : PlixDatasetOnChangeHandler(dataSet)
 {
+}
+
+std::string PlixDataSetOnChangeExecute::refusal() const
+{
+    std::vector<std::string> names;
+    for (const PlixValue* member : dataSet.getValues()) {
+        names.push_back(member->getName());
+    }
+    return PlixShellCommand::refusalOf(command, names);
 }
 
 unsigned PlixDataSetOnChangeExecute::onChange()

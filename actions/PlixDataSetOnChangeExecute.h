@@ -12,6 +12,11 @@ public:
     explicit PlixDataSetOnChangeExecute(PlixDataSet& dataSet);
 
     void setCommand(std::string command) { this->command = std::move(command); }
+    const std::string& getCommand() const { return command; }
+
+    // Why the command refuses every set of values (see
+    // PlixShellCommand::refusal), empty when it takes them.
+    std::string refusal() const;
 
     unsigned onChange() override;
 

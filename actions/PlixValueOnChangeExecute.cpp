@@ -9,6 +9,11 @@ PlixValueOnChangeExecute::PlixValueOnChangeExecute(PlixValue& value)
 {
 }
 
+std::string PlixValueOnChangeExecute::refusal() const
+{
+    return PlixShellCommand::refusalOf(command, {value.getName()});
+}
+
 unsigned PlixValueOnChangeExecute::onChange()
 {
     PlixShellCommand shellCommand(command);

@@ -12,6 +12,11 @@ public:
     explicit PlixValueOnChangeExecute(PlixValue& value);
 
     void setCommand(std::string command) { this->command = std::move(command); }
+    const std::string& getCommand() const { return command; }
+
+    // Why the command refuses every value (see PlixShellCommand::refusal),
+    // empty when it takes them.
+    std::string refusal() const;
 
     unsigned onChange() override;
 

@@ -4,6 +4,7 @@
 #include "PlixDataSetOnChangeExecute.h"
 #include "PlixDataSetOnChangeSysconfigNetwork.h"
 #include "PlixDataSetOnChangeSysconfigNotifyInit.h"
+#include "PlixLog.h"
 #include "PlixValue.h"
 #include "PlixValueOnChangeExecute.h"
 #include "PlixValueOnChangeSysconfigStationName.h"
@@ -18,6 +19,19 @@ std::unique_ptr<Action> withSetter(std::unique_ptr<Action> action, const char** 
 {
     plixForEachAttributeNamed(setters, name, [&](const char* text) { ((*action).*set)(text); });
     return action;
+}
+
+template <typename Action>
+void warnAboutRefusals(const std::vector<std::pair<std::string, const Action*>>& commands)
+{
+    for (const auto& command : commands) {
+        const std::string refusal = command.second->refusal();
+        if (!refusal.empty()) {
+            plixLog(LOG_WARNING,
+                    "XML:\tExecute action of %s refuses its values: placeholder %s in command: %s",
+                    command.first.c_str(), refusal.c_str(), command.second->getCommand().c_str());
+        }
+    }
 }
 } // namespace
 
@@ -60,8 +74,11 @@ void PlixOnChangeBuilder::addValueAction(const std::string& keyword, PlixValue& 
 {
     std::unique_ptr<PlixValueOnChangeHandler> action;
     if (keyword == "Execute") {
-        action = withSetter(std::make_unique<PlixValueOnChangeExecute>(value), setters, "command",
-                            &PlixValueOnChangeExecute::setCommand);
+        auto execute = withSetter(std::make_unique<PlixValueOnChangeExecute>(value), setters,
+                                  "command", &PlixValueOnChangeExecute::setCommand);
+        valueCommands.emplace_back(value.getDataSet().getName() + "/" + value.getName(),
+                                   execute.get());
+        action = std::move(execute);
     } else if (keyword == "WriteToFile") {
         action = withSetter(std::make_unique<PlixValueOnChangeWriteToFile>(value), setters,
                             "filename", &PlixValueOnChangeWriteToFile::setPathToFile);
@@ -79,8 +96,10 @@ void PlixOnChangeBuilder::addDataSetAction(const std::string& keyword, PlixDataS
 {
     std::unique_ptr<PlixDatasetOnChangeHandler> action;
     if (keyword == "Execute") {
-        action = withSetter(std::make_unique<PlixDataSetOnChangeExecute>(dataSet), setters,
-                            "command", &PlixDataSetOnChangeExecute::setCommand);
+        auto execute = withSetter(std::make_unique<PlixDataSetOnChangeExecute>(dataSet), setters,
+                                  "command", &PlixDataSetOnChangeExecute::setCommand);
+        dataSetCommands.emplace_back(dataSet.getName(), execute.get());
+        action = std::move(execute);
     } else if (keyword == "SysconfigNetwork") {
         action = std::make_unique<PlixDataSetOnChangeSysconfigNetwork>(dataSet);
     } else if (keyword == "SysconfigNotifyInit") {
@@ -90,6 +109,12 @@ void PlixOnChangeBuilder::addDataSetAction(const std::string& keyword, PlixDataS
     }
     dataSetActions.push_back(std::move(action));
     dataSet.setDatasetOnChangeHandler(dataSetActions.back().get());
+}
+
+void PlixOnChangeBuilder::warnAboutRefusedCommands() const
+{
+    warnAboutRefusals(valueCommands);
+    warnAboutRefusals(dataSetCommands);
 }
 
 PlixTriggerFlags* PlixOnChangeBuilder::lastAction(const PlixXML_Position& position)

@@ -4,10 +4,13 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+class PlixDataSetOnChangeExecute;
 class PlixDatasetOnChangeHandler;
 class PlixTriggerFlags;
+class PlixValueOnChangeExecute;
 class PlixValueOnChangeHandler;
 
 // Creates the change actions that onChange tags declare and keeps them for
@@ -25,6 +28,11 @@ public:
 
     void build(const char** attributes, const PlixXML_Position& position);
 
+    // Warns of each Execute action whose command refuses its values, naming
+    // what it belongs to and the command. Called once the document is read,
+    // when every data set has declared the members its command names.
+    void warnAboutRefusedCommands() const;
+
 private:
     void addAction(const std::string& keyword, const PlixXML_Position& position,
                    const char** setters);
@@ -34,4 +42,8 @@ private:
 
     std::vector<std::unique_ptr<PlixValueOnChangeHandler>> valueActions;
     std::vector<std::unique_ptr<PlixDatasetOnChangeHandler>> dataSetActions;
+    // The Execute actions among them, behind the XML-ID of their value or
+    // the name of their data set.
+    std::vector<std::pair<std::string, const PlixValueOnChangeExecute*>> valueCommands;
+    std::vector<std::pair<std::string, const PlixDataSetOnChangeExecute*>> dataSetCommands;
 };

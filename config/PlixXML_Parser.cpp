@@ -97,6 +97,7 @@ int PlixXML_Parser::parse_XML()
         plixTrace("Error: %s\n", XML_ErrorString(XML_GetErrorCode(parser.get())));
     }
     parser.reset();
+    changeActions.warnAboutRefusedCommands();
     plixLog(LOG_NOTICE, "Finished parsing %s", path.c_str());
     return 0;
 }

@@ -79,16 +79,41 @@ TEST_F(PlixDataSetOnChangeExecuteTest, QuotedValueHidesAnotherMembersPlaceholder
     EXPECT_FALSE(directory.exists("canary"));
 }
 
-TEST_F(PlixDataSetOnChangeExecuteTest, HostileValuesCannotRunCommands)
+TEST_F(PlixDataSetOnChangeExecuteTest, HostileValuesCannotRunCommandsUnquotedOrQuoted)
 {
     const std::string canary = directory.file("canary");
     PlixValue& v = dataSet.add("v", PlixVariant(""));
-    for (const std::string& hostile : hostileValues(canary)) {
-        v.setValue(PlixVariant(hostile));
-        EXPECT_EQ(run("printf '%s' %v > " + directory.file("out")), 0u) << hostile;
-        EXPECT_EQ(directory.read("out"), hostile);
-        EXPECT_FALSE(directory.exists("canary")) << hostile;
+    for (const std::string quote : {"", "\"", "'"}) {
+        const std::string command =
+            "printf '%s' " + quote + "%v" + quote + " > " + directory.file("out");
+        for (const std::string& hostile : hostileValues(canary)) {
+            v.setValue(PlixVariant(hostile));
+            EXPECT_EQ(run(command), 0u) << command << hostile;
+            EXPECT_EQ(directory.read("out"), hostile) << command;
+            EXPECT_FALSE(directory.exists("canary")) << command << hostile;
+        }
     }
+}
+
+TEST_F(PlixDataSetOnChangeExecuteTest, PlaceholderInAHereDocumentRefusesTheValuesWith13)
+{
+    dataSet.add("ip", PlixVariant("10.0.0.1"));
+    dataSet.add("mask", PlixVariant("255.0.0.0"));
+    const std::string command = "touch " + directory.file("ran") + " %ip; cat <<EOF\n%mask\nEOF";
+    EXPECT_EQ(run(command), 13u);
+    EXPECT_EQ(output,
+              "[NOT] DataSetOnChangeExecute failed with following command: " + command + "\n");
+    EXPECT_FALSE(directory.exists("ran"));
+}
+
+TEST_F(PlixDataSetOnChangeExecuteTest, RefusalNamesTheFirstMembersPlaceholderThatIsRefused)
+{
+    dataSet.add("ip", PlixVariant("10.0.0.1"));
+    dataSet.add("mask", PlixVariant("255.0.0.0"));
+    action.setCommand("set \"%ip\" # %mask");
+    EXPECT_EQ(action.refusal(), "%mask in a comment");
+    action.setCommand("set \"%ip\" '%mask'");
+    EXPECT_EQ(action.refusal(), "");
 }
 
 TEST_F(PlixDataSetOnChangeExecuteTest, TriggerFlagsStartAsCommitAndStartUp)

@@ -99,15 +99,35 @@ TEST_F(PlixValueOnChangeExecuteTest, EmptyValueIsInsertedAsOneEmptyWord)
     EXPECT_EQ(directory.read("out"), "[]");
 }
 
-TEST_F(PlixValueOnChangeExecuteTest, HostileValuesCannotRunCommands)
+TEST_F(PlixValueOnChangeExecuteTest, HostileValuesCannotRunCommandsUnquotedOrQuoted)
 {
     const std::string canary = directory.file("canary");
-    const std::string command = "printf '%s' %hostname > " + directory.file("out");
-    for (const std::string& hostile : hostileValues(canary)) {
-        EXPECT_EQ(runWith(command, PlixVariant(hostile)), 0u) << hostile;
-        EXPECT_EQ(directory.read("out"), hostile);
-        EXPECT_FALSE(directory.exists("canary")) << hostile;
+    for (const std::string quote : {"", "\"", "'"}) {
+        const std::string command =
+            "printf '%s' " + quote + "%hostname" + quote + " > " + directory.file("out");
+        for (const std::string& hostile : hostileValues(canary)) {
+            EXPECT_EQ(runWith(command, PlixVariant(hostile)), 0u) << command << hostile;
+            EXPECT_EQ(directory.read("out"), hostile) << command;
+            EXPECT_FALSE(directory.exists("canary")) << command << hostile;
+        }
     }
+}
+
+TEST_F(PlixValueOnChangeExecuteTest, PlaceholderInsideBackquotesRefusesTheValueWith13)
+{
+    const std::string command = "touch " + directory.file("ran") + " `echo %hostname`";
+    EXPECT_EQ(runWith(command, PlixVariant("press7")), 13u);
+    EXPECT_EQ(output,
+              "[NOT] PlixValueOnChangeExecute failed with following command: " + command + "\n");
+    EXPECT_FALSE(directory.exists("ran"));
+}
+
+TEST_F(PlixValueOnChangeExecuteTest, RefusalNamesThePlaceholderAndWhereItStands)
+{
+    action.setCommand("echo %hostname \\%hostname");
+    EXPECT_EQ(action.refusal(), "%hostname after a backslash");
+    action.setCommand("echo \"%hostname\" '%hostname' %other`x`");
+    EXPECT_EQ(action.refusal(), "");
 }
 
 TEST_F(PlixValueOnChangeExecuteTest, TriggerOnlyAtPlixBootMarksTheActionToBeSkippedAtCommit)

@@ -177,3 +177,38 @@ TEST_F(PlixOnChangeBuilderTest, FlagsWithNoActionOfTheLevelAreIgnored)
     auto actions = valueActions("<onChange triggerOnlyAtPlixBoot=\"true\"/>");
     EXPECT_TRUE(actions.empty());
 }
+
+TEST_F(PlixOnChangeBuilderTest, ValueCommandWithARefusedPlaceholderIsWarnedAboutAfterParsing)
+{
+    std::string output = config.loadCapturing(
+        "<DataSet ID=\"d\"><Value name=\"v\" type=\"string\">"
+        "<onChange type=\"Execute\" command=\"echo \\%v\"/></Value></DataSet>");
+    EXPECT_EQ(PlixLoadedConfig::lines(output),
+              (std::vector<std::string>{
+                  "[NOT] Parsing " + config.dir.path("config.xml"),
+                  "[NOT] XML:\tNode: DataSet Name: d", "[NOT] XML:\tNode: Value Name: v",
+                  "[NOT] XML:\tExecute action of d/v refuses its values: placeholder %v after a "
+                  "backslash in command: echo \\%v",
+                  "[NOT] Finished parsing " + config.dir.path("config.xml")}));
+}
+
+TEST_F(PlixOnChangeBuilderTest, DataSetCommandIsCheckedWithMembersDeclaredAfterIt)
+{
+    std::string output =
+        config.loadCapturing("<DataSet ID=\"d\"><onChange type=\"Execute\" command=\"true # %v\"/>"
+                             "<Value name=\"v\" type=\"string\" default=\"x\"/></DataSet>");
+    EXPECT_NE(output.find("[NOT] XML:\tExecute action of d refuses its values: placeholder %v in "
+                          "a comment in command: true # %v\n"),
+              std::string::npos)
+        << output;
+}
+
+TEST_F(PlixOnChangeBuilderTest, CommandsWithQuotedOrUnquotedPlaceholdersAreNotWarnedAbout)
+{
+    std::string output = config.loadCapturing(
+        "<DataSet ID=\"d\"><onChange type=\"Execute\" command=\"echo %v &quot;%v&quot; '%v'\"/>"
+        "<Value name=\"v\" type=\"string\" default=\"x\">"
+        "<onChange type=\"Execute\" command=\"echo &quot;$(echo %v)&quot; \\%w\"/>"
+        "</Value></DataSet>");
+    EXPECT_EQ(output.find("Execute action"), std::string::npos) << output;
+}
