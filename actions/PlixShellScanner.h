@@ -71,7 +71,7 @@ private:
     bool wordIs(const char* word) const;
     void push(Frame frame);
     void pop();
-    void lose(PlixShellContext rest);
+    void lose(PlixShellContext context);
     char next() const;
     bool nested() const { return levels.size() > 1; }
 
