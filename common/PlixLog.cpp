@@ -1,65 +1,26 @@
 #include "PlixLog.h"
 
+#include "PlixSystemLog.h"
+
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <string>
-#include <sys/inotify.h>
-#include <unistd.h>
 
 namespace {
 // Every tag is this long, so the tag and the text share one buffer.
 constexpr std::size_t tagLength = 6;
 
-// With no log socket the C library creates a socket, fails to connect it and
-// closes it again for every message, and then drops the message: several
-// times the cost of the rest of the line. So a message is handed over only
-// while the socket exists. A look-up of its path per message would cost
-// nearly as much; a watch on its directory reports the socket appearing and
-// going away for one non-blocking read per message.
-class LogSocketWatch
+// The longest a message may keep the main loop waiting for the system
+// logger; one that did not take a message by then is stalled.
+constexpr std::chrono::milliseconds loggerPatience(10);
+
+// Never destroyed, so a message logged while the process ends still has it.
+PlixSystemLog& systemLog()
 {
-public:
-    LogSocketWatch() : watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
-    {
-        const std::string path(_PATH_LOG);
-        const std::string directory = path.substr(0, path.rfind('/') + 1);
-        const uint32_t changes = IN_CREATE | IN_DELETE | IN_MOVED_TO | IN_MOVED_FROM;
-        if (watch >= 0 && inotify_add_watch(watch, directory.c_str(), changes) < 0) {
-            close(watch);
-            watch = -1;
-        }
-        present = exists();
-    }
-
-    bool socketPresent()
-    {
-        if (watch < 0) {
-            return exists();
-        }
-        // Any change in the directory (or a lost event) means a fresh look.
-        alignas(inotify_event) char events[4096];
-        bool changed = false;
-        while (read(watch, events, sizeof events) > 0) {
-            changed = true;
-        }
-        if (changed) {
-            present = exists();
-        }
-        return present;
-    }
-
-private:
-    static bool exists() { return access(_PATH_LOG, F_OK) == 0; }
-
-    int watch;
-    bool present = false;
-};
-
-bool logSocketPresent()
-{
-    static LogSocketWatch watch;
-    return watch.socketPresent();
+    static PlixSystemLog* const log = new PlixSystemLog(_PATH_LOG, loggerPatience);
+    return *log;
 }
 
 // Writes the line that begins at line (tag, text, room for the line feed)
@@ -67,8 +28,9 @@ bool logSocketPresent()
 void emit(int priority, char* line, std::size_t textLength)
 {
     char* text = line + tagLength;
-    if (logSocketPresent()) {
-        syslog(priority, "%s", text);
+    const std::string notice = systemLog().write(priority, text, textLength);
+    if (!notice.empty()) {
+        std::fprintf(stdout, "%s%s\n", plixLogTag(LOG_NOTICE), notice.c_str());
     }
     text[textLength] = '\n';
     std::fwrite(line, 1, tagLength + textLength + 1, stdout);

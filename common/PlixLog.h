@@ -4,7 +4,11 @@
 
 // Every message of the service goes to the system log (default identity and
 // facility) and then to standard output as a level tag, the same text and a
-// line feed, so a supervisor reading the pipe sees what syslog sees.
+// line feed, so a supervisor reading the pipe sees what syslog sees. A
+// system logger that does not take a message within 10 ms is stalled: the
+// messages it cannot take at once are left out of the system log (never out
+// of standard output) until it takes one again, which is preceded there and
+// on standard output by the notice of how many were left out.
 void plixLog(int priority, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 // Trace lines that go to standard output only, without tag or line feed.

@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <sched.h>
 #include <sys/inotify.h>
 #include <sys/mount.h>
@@ -82,6 +83,43 @@ bool logSocketArrivalObservable()
                           message.compare(message.size() - text.size(), text.size(), text) == 0;
     _exit(expected ? delivered : notDelivered);
 }
+
+std::string receiveFrom(int log)
+{
+    char received[8192];
+    const ssize_t length = recv(log, received, sizeof received, 0);
+    return std::string(received, length > 0 ? static_cast<std::size_t>(length) : 0);
+}
+
+// Logs each message through the C library's syslog(), through plixLog and
+// through syslog() again, in a /dev of its own: the service's datagram must
+// be byte for byte the C library's of the same second.
+[[noreturn]] void logBesideTheCLibrary()
+{
+    if (!privateDevMounted()) {
+        _exit(noPrivateDev);
+    }
+    const int log = boundLogSocket();
+    if (log < 0) {
+        _exit(noPrivateDev);
+    }
+    const std::pair<int, std::string> messages[] = {{LOG_NOTICE, "Client timeout!"},
+                                                    {LOG_ERR, "100% sure\n"},
+                                                    {LOG_DEBUG, std::string(3000, 'x')},
+                                                    {LOG_INFO, ""}};
+    for (const auto& [priority, text] : messages) {
+        syslog(priority, "%s", text.c_str());
+        plixLog(priority, "%s", text.c_str());
+        syslog(priority, "%s", text.c_str());
+        const std::string before = receiveFrom(log);
+        const std::string ours = receiveFrom(log);
+        const std::string after = receiveFrom(log);
+        if (ours.empty() || (ours != before && ours != after)) {
+            _exit(notDelivered);
+        }
+    }
+    _exit(delivered);
+}
 } // namespace
 
 TEST(PlixLogSocket, MessageReachesALogSocketThatAppearedAfterTheFirstMessage)
@@ -92,4 +130,13 @@ TEST(PlixLogSocket, MessageReachesALogSocketThatAppearedAfterTheFirstMessage)
     // A fresh process, so the log's watch starts inside the private /dev.
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(logAcrossTheSocketsArrival(), testing::ExitedWithCode(delivered), "");
+}
+
+TEST(PlixLogSocket, MessagesAreByteForByteWhatTheCLibrarySends)
+{
+    if (!logSocketArrivalObservable()) {
+        GTEST_SKIP() << "a log socket in a private /dev cannot be watched here";
+    }
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(logBesideTheCLibrary(), testing::ExitedWithCode(delivered), "");
 }

@@ -120,6 +120,11 @@ std::string PlixServiceProcess::pidFilePath() const
     return mLockDir + "/com.orvanta.plix.pid";
 }
 
+std::string PlixServiceProcess::namespaceRoot()
+{
+    return "/proc/" + std::to_string(namespaceInitPid()) + "/root";
+}
+
 pid_t PlixServiceProcess::namespaceInitPid()
 {
     // The namespace's first process is the only child of unshare.

@@ -44,6 +44,10 @@ public:
     // process ids inside it (fresh namespaces only).
     std::vector<std::pair<pid_t, int>> endedProcesses() const;
     std::string pidFilePath() const;
+    // The root directory as the service's namespace sees it
+    // ("/proc/PID/root"): a path below it reaches that namespace's mounts,
+    // such as a private /dev.
+    std::string namespaceRoot();
 
 private:
     pid_t namespaceInitPid();

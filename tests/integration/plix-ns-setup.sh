@@ -14,6 +14,11 @@
 #   PLIX_TEST_READONLY   optional: directories (separated by blanks) that are
 #                        read-only inside the namespaces, as on a device whose
 #                        root file system is mounted read-only
+#   PLIX_TEST_PRIVATE_DEV optional: any value lays a /dev of the test's own
+#                        (null, zero, random and urandom only) over the
+#                        machine's, where the test may make a system logger
+#   PLIX_TEST_DEV_LOG_LINK optional: /dev/log in that /dev is made a symbolic
+#                        link to this path
 if [ -z "$PLIX_TEST_LOCKDIR" ] || [ -z "$PLIX_TEST_REAL_LOCK" ]; then
     echo "plix-ns-setup: lock directory variables missing" >&2
     exit 97
@@ -41,6 +46,22 @@ for directory in $PLIX_TEST_READONLY; do
         exit 97
     fi
 done
+if [ -n "$PLIX_TEST_PRIVATE_DEV" ]; then
+    # Made aside and then moved over /dev, so the machine's nodes can still
+    # be bound into it; nothing is created in the machine's own /dev.
+    dev="$PLIX_TEST_LOCKDIR.dev"
+    mkdir -p "$dev" && mount -t tmpfs -o mode=0755 plix-dev "$dev" || exit 97
+    for node in null zero random urandom; do
+        touch "$dev/$node" && mount --bind "/dev/$node" "$dev/$node" || exit 97
+    done
+    if [ -n "$PLIX_TEST_DEV_LOG_LINK" ]; then
+        ln -s "$PLIX_TEST_DEV_LOG_LINK" "$dev/log" || exit 97
+    fi
+    if ! mount --move "$dev" /dev; then
+        echo "plix-ns-setup: cannot lay a private /dev" >&2
+        exit 97
+    fi
+fi
 if [ -n "$PLIX_TEST_PRELOAD" ]; then
     LD_PRELOAD="$PLIX_TEST_PRELOAD"
     export LD_PRELOAD
