@@ -23,9 +23,14 @@ PlixLogConnection::~PlixLogConnection()
     close();
 }
 
+bool PlixLogConnection::ready()
+{
+    return mSocket >= 0 || (mWatch.due(PlixLogPathWatch::now()) && open());
+}
+
 PlixLogSend PlixLogConnection::send(const iovec* parts, std::size_t count)
 {
-    if (mSocket < 0 && !(mWatch.due(PlixLogPathWatch::now()) && open())) {
+    if (!ready()) {
         return PlixLogSend::absent;
     }
     const PlixLogSend first = sendOnce(parts, count);

@@ -30,6 +30,9 @@ public:
     PlixLogConnection(const PlixLogConnection&) = delete;
     PlixLogConnection& operator=(const PlixLogConnection&) = delete;
 
+    // Whether a logger is connected, connecting first when the path's watch
+    // says that one may have appeared.
+    bool ready();
     // Sends one message made of count parts.
     PlixLogSend send(const iovec* parts, std::size_t count);
     // Waits at most bound for room in the logger's queue.

@@ -33,6 +33,10 @@ std::string PlixSystemLog::droppedNotice(std::size_t count)
 
 PlixLogSend PlixSystemLog::send(int priority, const char* text, std::size_t length)
 {
+    // Without a logger the header is not even made.
+    if (!mConnection.ready()) {
+        return PlixLogSend::absent;
+    }
     std::string priorityText = PlixSyslogHeader::priorityText(priority);
     const std::string& stamp = mHeader.stampAndIdent(std::time(nullptr));
     const iovec parts[] = {{priorityText.data(), priorityText.size()},
