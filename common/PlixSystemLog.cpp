@@ -12,7 +12,7 @@ PlixSystemLog::PlixSystemLog(std::string path, std::chrono::milliseconds patienc
 std::string PlixSystemLog::write(int priority, const char* text, std::size_t length)
 {
     std::string notice;
-    if (mStalled && !announceDropped(notice)) {
+    if (mDropped > 0 && !announceDropped(notice)) {
         return notice;
     }
     PlixLogSend result = send(priority, text, length);
@@ -20,7 +20,7 @@ std::string PlixSystemLog::write(int priority, const char* text, std::size_t len
         result = send(priority, text, length);
     }
     if (result == PlixLogSend::busy) {
-        mStalled = true;
+        // The logger is stalled; this message is the first it did not take.
         mDropped = 1;
     }
     return notice;
@@ -58,7 +58,6 @@ bool PlixSystemLog::announceDropped(std::string& notice)
     if (result != PlixLogSend::sent) {
         return false;
     }
-    mStalled = false;
     mDropped = 0;
     notice = std::move(text);
     return true;

@@ -32,6 +32,6 @@ private:
     PlixLogConnection mConnection;
     PlixSyslogHeader mHeader;
     std::chrono::milliseconds mPatience;
-    bool mStalled = false;
+    // Messages dropped since the logger stalled; none while it is not.
     std::size_t mDropped = 0;
 };
