@@ -1,5 +1,5 @@
 #include "PlixIntegrationTest.h"
-#include "PlixTestLogger.h"
+#include "PlixTestSyslog.h"
 #include "PlixWait.h"
 
 #include <syslog.h>
@@ -59,28 +59,33 @@ TEST_F(DaemonMode, SecondInstanceAsDaemonEndsItsParentWith0AndItsChildWith2)
 
 TEST_F(DaemonMode, ChildLosingTheNameAfterStartUpEnds2WithItsErrorLine)
 {
-    PlixTestLogger logger(dir());
-    PlixServiceProcess& service = start({"-d", "-c", writeConfig()}, logger.environment());
+    PlixServiceProcess& service =
+        start({"-d", "-c", writeConfig()}, {{"PLIX_TEST_PRIVATE_DEV", "yes"}});
     ASSERT_TRUE(waitServing(service)) << tail(service);
     const pid_t child = namespacePidOf(servicePid());
+    // A detached daemon writes to the system log only: a logger in the
+    // namespace's own /dev, which the daemon finds when it appears.
+    PlixTestSyslog logger(service.namespaceRoot() + "/dev/log");
+    ASSERT_TRUE(logger.valid());
+    logger.startReading();
 
     EXPECT_EQ(newClient().requestNameReplacing(PlixBusClient::kServiceName),
               PlixBusClient::kPrimaryOwner);
     ASSERT_TRUE(plixWaitUntil([&] { return statusOf(service.endedProcesses(), child).has_value(); },
                               kExitBound));
     EXPECT_EQ(statusOf(service.endedProcesses(), child), 2);
-    // A detached daemon writes to the system log only; its last message is
-    // the one the foreground prints in the same case.
+    // Its last message is the one the foreground prints in the same case.
     const std::string nameLost = "Could not register servicename on bus";
     EXPECT_TRUE(plixWaitUntil(
         [&] {
             const auto messages = logger.messages();
-            return std::any_of(messages.begin(), messages.end(),
-                               [&](const auto& message) { return message.text == nameLost; });
+            return std::any_of(messages.begin(), messages.end(), [&](const auto& message) {
+                return plixParseSyslog(message).text == nameLost;
+            });
         },
         kExitBound));
     const auto messages = logger.messages();
     ASSERT_FALSE(messages.empty());
-    EXPECT_EQ(messages.back().text, nameLost);
-    EXPECT_EQ(messages.back().priority, LOG_USER | LOG_ERR);
+    EXPECT_EQ(plixParseSyslog(messages.back()).text, nameLost);
+    EXPECT_EQ(plixParseSyslog(messages.back()).priority, LOG_USER | LOG_ERR);
 }

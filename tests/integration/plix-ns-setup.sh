@@ -7,10 +7,6 @@
 #   PLIX_TEST_LOCKDIR    the test's lock directory
 #   PLIX_TEST_REAL_LOCK  the real path of /var/lock (symbolic links resolved)
 #   PLIX_TEST_PRELOAD    optional: a library to preload into what follows
-#   PLIX_TEST_DEV        optional: a directory of the test's that becomes /dev,
-#                        with the machine's null, zero, random and urandom in
-#                        it, so that a log socket the test made there is the
-#                        namespace's system logger
 #   PLIX_TEST_READONLY   optional: directories (separated by blanks) that are
 #                        read-only inside the namespaces, as on a device whose
 #                        root file system is mounted read-only
@@ -26,18 +22,6 @@ fi
 if ! mount --bind "$PLIX_TEST_LOCKDIR" "$PLIX_TEST_REAL_LOCK"; then
     echo "plix-ns-setup: cannot bind-mount the lock directory" >&2
     exit 97
-fi
-if [ -n "$PLIX_TEST_DEV" ]; then
-    for node in null zero random urandom; do
-        if ! { : > "$PLIX_TEST_DEV/$node" && mount --bind "/dev/$node" "$PLIX_TEST_DEV/$node"; }; then
-            echo "plix-ns-setup: cannot bind /dev/$node into the test's /dev" >&2
-            exit 97
-        fi
-    done
-    if ! mount --rbind "$PLIX_TEST_DEV" /dev; then
-        echo "plix-ns-setup: cannot lay the test's directory over /dev" >&2
-        exit 97
-    fi
 fi
 for directory in $PLIX_TEST_READONLY; do
     if ! { mount --bind "$directory" "$directory" &&
