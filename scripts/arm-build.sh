@@ -161,12 +161,16 @@ enable_arm_exec()
 }
 
 # Unit tests only: the integration tests need a system bus and namespaces
-# that user-mode emulation does not provide.
+# that user-mode emulation does not provide. The unit tests that skip under
+# emulation are listed with their reasons.
 run_unit_tests()
 {
+    local results="$build/Testing/ctest-results.xml"
     enable_arm_exec
     step "running unit tests under qemu-arm"
-    ctest --test-dir "$build" --output-on-failure -j2 --timeout 600 -LE integration
+    ctest --test-dir "$build" --output-on-failure -j2 --timeout 600 -LE integration \
+        --output-junit "$results"
+    "$top/scripts/test-skips.sh" --list "$results"
 }
 
 # The programs and shared libraries of this tree that go onto the device:

@@ -11,6 +11,7 @@ set -eu
 cd "$(dirname "$0")/.."
 build=$(realpath -m "${PLIX_LINT_BUILD_DIR:-build-lint}")
 status=0
+./scripts/install-deps.sh
 
 # The service's sources: the libraries and the executable, not the tests.
 service_dirs="common platform model validation actions config engine dbus service"
