@@ -55,6 +55,16 @@ void PlixIntegrationTest::SetUp()
 void PlixIntegrationTest::TearDown()
 {
     mClients.clear();
+    // Stopped as the device's init system stops the service, so that its
+    // orderly end, its memory at exit and its last errors are checked too.
+    for (const auto& service : mServices) {
+        const std::string problems = service->stop(kStopBound);
+        if (!problems.empty()) {
+            ADD_FAILURE() << "stopping the service with SIGTERM:\n"
+                          << problems << "--- its standard error:\n"
+                          << service->stderrText();
+        }
+    }
     mServices.clear();
     mBus.reset();
     if (mDir && HasFailure()) {
@@ -181,13 +191,5 @@ std::string PlixIntegrationTest::tail(const PlixServiceProcess& service)
 
 pid_t PlixIntegrationTest::namespacePidOf(pid_t pid)
 {
-    // "NSpid:" lists the id in each namespace, outermost first.
-    std::istringstream status(PlixTestDir::readFile("/proc/" + std::to_string(pid) + "/status"));
-    std::string line;
-    while (std::getline(status, line)) {
-        if (line.rfind("NSpid:", 0) == 0) {
-            return static_cast<pid_t>(std::stol(line.substr(line.find_last_of(" \t") + 1)));
-        }
-    }
-    return -1;
+    return PlixServiceProcess::namespacePidOf(pid);
 }

@@ -16,13 +16,17 @@
 // Base of every integration test: a fresh directory, a private system bus,
 // the test configuration and as many service instances and clients as the
 // test starts. Everything is torn down at the end of the test, services
-// before the bus. Without the rights to create namespaces the tests are
-// skipped with the reason.
+// before the bus; each service is stopped with SIGTERM and must end with
+// status 0 and without a sanitizer report. Without the rights to create
+// namespaces the tests are skipped with the reason.
 class PlixIntegrationTest : public testing::Test
 {
 protected:
     static constexpr std::chrono::seconds kStartBound{15};
     static constexpr std::chrono::seconds kExitBound{15};
+    // The orderly stop at the end of each test; under a sanitizer the exit
+    // includes the leak check.
+    static constexpr std::chrono::seconds kStopBound{30};
 
     void SetUp() override;
     void TearDown() override;

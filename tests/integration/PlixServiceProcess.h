@@ -49,8 +49,20 @@ public:
     // such as a private /dev.
     std::string namespaceRoot();
 
+    // Stops what is left of the instance as an init system does: SIGTERM to
+    // each of its service processes, then a bounded wait for them. Returns
+    // what went wrong, empty when nothing did: a process that outlived the
+    // bound or ended with a status other than 0, or a sanitizer report on
+    // standard error (also from an instance that had already ended).
+    std::string stop(std::chrono::milliseconds bound);
+
+    // The id that a process of this machine has inside its own PID namespace.
+    static pid_t namespacePidOf(pid_t pid);
+
 private:
     pid_t namespaceInitPid();
+    std::string stopInOwnNamespace(std::chrono::milliseconds bound);
+    std::string stopEntered(std::chrono::milliseconds bound);
 
     std::string mStdoutPath;
     std::string mStderrPath;
