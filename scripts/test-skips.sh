@@ -17,7 +17,8 @@ junit=$1
 
 # One line per skipped test: its name, a tab, its reason. The reason is what
 # the test printed: the lines after GoogleTest's "Skipped" up to the blank
-# line that ends them, or a script's "SKIPPED:" line.
+# line or GoogleTest's next "[" line that ends them, or a script's
+# "SKIPPED:" line.
 skips=$(awk '
     function unescape(s) {
         gsub(/&lt;/, "<", s); gsub(/&gt;/, ">", s); gsub(/&quot;/, "\"", s)
@@ -41,7 +42,7 @@ skips=$(awk '
     /<\/testcase>/ { report(); next }
     skipped && /^SKIPPED: / { line = $0; sub(/^SKIPPED: /, "", line); reason = reason " " line; next }
     skipped && /: Skipped$/ { reading = 1; next }
-    reading && /^[[:space:]]*$/ { reading = 0; next }
+    reading && (/^[[:space:]]*$/ || /^\[/) { reading = 0; next }
     reading { line = $0; sub(/^[[:space:]]+/, "", line); reason = reason " " line }
     END { report() }
 ' "$junit")
