@@ -185,6 +185,18 @@ void PlixEngineFixture::runMainLoopFor(int milliseconds)
     }
 }
 
+bool PlixEngineFixture::runMainLoopUntil(const std::function<bool()>& condition,
+                                         int boundMilliseconds)
+{
+    const gint64 end = g_get_monotonic_time() + static_cast<gint64>(boundMilliseconds) * 1000;
+    while (!condition() && g_get_monotonic_time() < end) {
+        while (g_main_context_iteration(nullptr, FALSE)) {
+        }
+        g_usleep(10000);
+    }
+    return condition();
+}
+
 std::vector<std::string> PlixEngineFixture::splitLines(const std::string& text)
 {
     std::vector<std::string> lines;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -58,6 +59,9 @@ protected:
     // Iterates the default main context for the given time; every wait of
     // these tests is bounded by it.
     static void runMainLoopFor(int milliseconds);
+    // Runs the main loop until the condition holds or the bound passes;
+    // whether it held.
+    static bool runMainLoopUntil(const std::function<bool()>& condition, int boundMilliseconds);
 
     static std::vector<std::string> splitLines(const std::string& text);
 

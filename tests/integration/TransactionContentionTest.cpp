@@ -56,12 +56,17 @@ TEST_F(TransactionContention, IdleClientLosesItsTransactionAfterFourSeconds)
     EXPECT_EQ(client().getIntTransient("general/count").value, 42);
 }
 
+// Each call comes 1.5 s before the deadline that the call before it set; the
+// last one 2 s past the deadline of the start, which it would miss without
+// the grants.
 TEST_F(TransactionContention, EachSuccessfulCallGrantsFourMoreSeconds)
 {
     ASSERT_EQ(client().transactionStart(true), 0);
-    std::this_thread::sleep_for(std::chrono::seconds(3));
+    std::this_thread::sleep_for(std::chrono::milliseconds(2500));
     EXPECT_EQ(client().getInt("general/count").status, 0);
-    std::this_thread::sleep_for(std::chrono::seconds(3));
+    std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+    EXPECT_EQ(client().getInt("general/count").status, 0);
+    std::this_thread::sleep_for(std::chrono::seconds(1));
     EXPECT_EQ(client().setInt("general/count", 5), 0);
     EXPECT_EQ(client().transactionStop(), 0);
     EXPECT_FALSE(plixHasLine(lines(), kTimeoutLine));
