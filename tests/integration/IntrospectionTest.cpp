@@ -3,23 +3,22 @@
 #include <sstream>
 
 namespace {
-// A method as the introspection data shows it: "Name(in-args)->(out-args)",
-// each argument "name:type".
-std::string describe(const GDBusMethodInfo* method)
+// Arguments as the introspection data shows them: "(name:type,...)".
+std::string describe(GDBusArgInfo** args)
 {
     std::ostringstream text;
-    const auto arguments = [&text](GDBusArgInfo** args) {
-        text << "(";
-        for (int i = 0; args != nullptr && args[i] != nullptr; ++i) {
-            text << (i > 0 ? "," : "") << args[i]->name << ":" << args[i]->signature;
-        }
-        text << ")";
-    };
-    text << method->name;
-    arguments(method->in_args);
-    text << "->";
-    arguments(method->out_args);
+    text << "(";
+    for (int i = 0; args != nullptr && args[i] != nullptr; ++i) {
+        text << (i > 0 ? "," : "") << args[i]->name << ":" << args[i]->signature;
+    }
+    text << ")";
     return text.str();
+}
+
+// A method as the introspection data shows it: "Name(in-args)->(out-args)".
+std::string describe(const GDBusMethodInfo* method)
+{
+    return method->name + describe(method->in_args) + "->" + describe(method->out_args);
 }
 
 struct PlixNodeInfoUnref
@@ -40,6 +39,16 @@ std::vector<std::string> methodsOf(const GDBusInterfaceInfo* interface)
         methods.push_back(describe(interface->methods[i]));
     }
     return methods;
+}
+
+// Each signal as "Name(args)".
+std::vector<std::string> signalsOf(const GDBusInterfaceInfo* interface)
+{
+    std::vector<std::string> signals;
+    for (int i = 0; interface->signals != nullptr && interface->signals[i] != nullptr; ++i) {
+        signals.push_back(interface->signals[i]->name + describe(interface->signals[i]->args));
+    }
+    return signals;
 }
 
 bool hasMembers(GDBusSignalInfo** signals, GDBusPropertyInfo** properties)
@@ -100,4 +109,19 @@ TEST_F(Introspection, CtrlShowsQuitAndInitAsNoReplyMethods)
                                                              "org.freedesktop.DBus.Method.NoReply");
         EXPECT_STREQ(noReply, "true") << control->methods[i]->name;
     }
+}
+
+TEST_F(Introspection, PlixShowsTheMonitorsThreeMethodsAndItsSignal)
+{
+    const auto node = parse(client().introspect("/plix"));
+    ASSERT_TRUE(node);
+    const GDBusInterfaceInfo* monitor =
+        g_dbus_node_info_lookup_interface(node.get(), "com.orvanta.plix.Monitor");
+    ASSERT_NE(monitor, nullptr);
+    EXPECT_EQ(methodsOf(monitor),
+              (std::vector<std::string>{
+                  "ListValues()->(values:a(sssb))", "GetValues(ids:as)->(message:i,values:a{sv})",
+                  "Apply(changes:a{sv},persistent:b)->(message:i,failed_id:s)"}));
+    EXPECT_EQ(signalsOf(monitor), (std::vector<std::string>{"ValuesChanged(ids:as,persistent:b)"}));
+    EXPECT_TRUE(monitor->properties == nullptr || monitor->properties[0] == nullptr);
 }

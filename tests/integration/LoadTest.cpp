@@ -10,6 +10,11 @@ namespace {
 // working size, so the second run must not grow it by more than the
 // tolerance, while a leak of a few dozen bytes a call still does.
 constexpr int kClients = 32;
+// The declared constant of the test configuration, and the answer to an
+// XML-ID that is not declared.
+const char* const kConstantId = "load/constant";
+constexpr gint32 kConstant = 7;
+constexpr gint32 kUndeclared = 9;
 constexpr long kCallsPerRun = 25000;
 constexpr long kRssToleranceKiB = 1024;
 // A bound against a hang, not a speed limit: the measured run may take this
@@ -44,9 +49,9 @@ long residentKiB(pid_t pid)
 
 // One run of asynchronous calls by all clients on a private main context.
 // Each client keeps one call in flight and checks every reply against what
-// the engine must answer: transient reads of a constant and of an undeclared
-// XML-ID, contended transaction starts, and for the winner of a start a set
-// and a commit.
+// the engine must answer: transient reads of a constant (status 0 and its
+// value) and of an undeclared XML-ID (status 9), contended transaction
+// starts, and for the winner of a start a set and a commit.
 class PlixLoadRun
 {
 public:
@@ -95,6 +100,7 @@ private:
         PlixLoadRun* run;
         std::size_t client;
         std::string method;
+        std::string xmlId;
     };
 
     static gboolean onBound(gpointer self)
@@ -115,10 +121,11 @@ private:
             call->run->fail(call->method + ": " + error->message);
             g_error_free(error);
         }
-        call->run->received(call->client, call->method, reply.get());
+        call->run->received(*call, reply.get());
     }
 
-    void call(std::size_t client, const char* method, GVariant* params)
+    void call(std::size_t client, const char* method, GVariant* params,
+              const std::string& xmlId = "")
     {
         ++mIssued;
         ++mInFlight;
@@ -126,7 +133,7 @@ private:
                                PlixBusClient::kAdaptorPath, PlixBusClient::kAdaptorInterface,
                                method, params, nullptr, G_DBUS_CALL_FLAGS_NONE, kCallTimeoutMs,
                                nullptr, &PlixLoadRun::onReply,
-                               new PlixCallContext{this, client, method});
+                               new PlixCallContext{this, client, method, xmlId});
     }
 
     void next(std::size_t client)
@@ -138,39 +145,43 @@ private:
         } else if (step == Step::Stopping) {
             call(client, "Transactionstop", nullptr);
         } else if (mIssued < mBudget) {
-            const char* const reads[] = {"load/constant", "load/constant", "load/nothing"};
+            const char* const reads[] = {kConstantId, kConstantId, "load/nothing"};
             const long kind = mIssued % 4;
             if (kind == 3) {
                 call(client, "Transactionstart", g_variant_new("(b)", FALSE));
             } else {
-                call(client, "GetIntValueTransient", g_variant_new("(s)", reads[kind]));
+                call(client, "GetIntValueTransient", g_variant_new("(s)", reads[kind]),
+                     reads[kind]);
             }
         }
     }
 
-    void received(std::size_t client, const std::string& method, GVariant* reply)
+    void received(const PlixCallContext& call, GVariant* reply)
     {
         ++mAnswered;
         --mInFlight;
         if (reply != nullptr) {
-            check(client, method, reply);
+            check(call, reply);
         }
-        next(client);
+        next(call.client);
         if (mInFlight == 0) {
             g_main_loop_quit(mLoop);
         }
     }
 
-    void check(std::size_t client, const std::string& method, GVariant* reply)
+    void check(const PlixCallContext& call, GVariant* reply)
     {
+        const std::string& method = call.method;
         gint32 status = -1;
         gint32 value = -1;
-        Step& step = mStates[client];
+        Step& step = mStates[call.client];
         if (method == "GetIntValueTransient") {
             g_variant_get(reply, "(ii)", &status, &value);
-            const bool constant = status == 0 && value == 7;
-            if (!constant && status != 9) {
-                fail("transient read replied " + std::to_string(status));
+            const bool right = call.xmlId == kConstantId ? status == 0 && value == kConstant
+                                                         : status == kUndeclared;
+            if (!right) {
+                fail("transient read of " + call.xmlId + " replied " + std::to_string(status) +
+                     " with " + std::to_string(value));
             }
             return;
         }
