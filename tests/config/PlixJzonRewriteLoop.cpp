@@ -1,7 +1,10 @@
 // Rewrites one JSON store file for ever, alternating its "state" member
 // between "first" and "second", so that a test can kill it at any point of a
-// write and look at what is left on disk.
+// write and look at what is left on disk. Writes one byte to its standard
+// output once the file is read, just before the first write.
 #include "jzonFile.h"
+
+#include <unistd.h>
 
 #include <string>
 
@@ -13,6 +16,9 @@ int main(int argc, char** argv)
     jzonFile file(argv[1]);
     Jzon::Node* state = file.read() ? file.findNode("state") : nullptr;
     if (state == nullptr) {
+        return 2;
+    }
+    if (write(STDOUT_FILENO, "r", 1) != 1) {
         return 2;
     }
     for (unsigned round = 0;; ++round) {

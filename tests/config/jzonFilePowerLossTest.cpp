@@ -1,12 +1,23 @@
+// A writer killed at random points of its writes must leave one whole
+// document behind. The kills are timed from the moment the writer has read
+// the store, over a window that follows the time one write takes here, and
+// the test counts how many of them fell inside a write (the new file was
+// there, not yet renamed over the store): too few, and it proves nothing.
+//
+// The seed is printed; PLIX_POWER_LOSS_SEED=N repeats a run.
 #include "PlixConfigTestDir.h"
+#include "jzonFile.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
+#include <cstdlib>
 #include <filesystem>
+#include <iostream>
+#include <poll.h>
 #include <random>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,11 +26,13 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Clock = std::chrono::steady_clock;
 
-// Bounds of the window in which the kills fall: at least what an idle
-// machine needs for a few writes, at most what keeps 200 kills short.
-constexpr auto shortestWindow = std::chrono::milliseconds(20);
-constexpr auto longestWindow = std::chrono::milliseconds(150);
-constexpr auto firstWriteBound = std::chrono::seconds(20);
+constexpr int kKills = 200;
+// At least this share of the kills must land inside a write.
+constexpr double kInterruptedShare = 0.2;
+// The kills fall over this many write times after the writer is ready.
+constexpr int kWindowInWrites = 4;
+constexpr int kTimedWrites = 10;
+constexpr int kReadyBoundMs = 20000;
 
 Json documentWithState(const std::string& state)
 {
@@ -27,14 +40,37 @@ Json documentWithState(const std::string& state)
     return Json{{"state", state}, {"padding", std::string(256 * 1024, 'p')}};
 }
 
-pid_t startRewriteLoop(const std::string& path)
+unsigned seedOfThisRun()
 {
-    pid_t child = fork();
+    const char* given = std::getenv("PLIX_POWER_LOSS_SEED");
+    return given != nullptr ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
+                            : std::random_device{}();
+}
+
+// The writer as a child whose standard output is the returned pipe end: it
+// writes one byte there once it has read the store and starts writing.
+pid_t startRewriteLoop(const std::string& path, int& ready)
+{
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        return -1;
+    }
+    const pid_t child = fork();
     if (child == 0) {
+        dup2(ends[1], STDOUT_FILENO);
         execl(PLIX_REWRITE_LOOP, PLIX_REWRITE_LOOP, path.c_str(), static_cast<char*>(nullptr));
         _exit(127);
     }
+    close(ends[1]);
+    ready = ends[0];
     return child;
+}
+
+bool waitReady(int ready)
+{
+    pollfd readable{ready, POLLIN, 0};
+    char byte = 0;
+    return poll(&readable, 1, kReadyBoundMs) == 1 && read(ready, &byte, 1) == 1;
 }
 
 // Kills the writer; false when it had ended by itself.
@@ -45,52 +81,65 @@ bool killWriter(pid_t child)
     return waitpid(child, &status, 0) == child && WIFSIGNALED(status);
 }
 
-Json parsed(const PlixConfigTestDir& dir)
+// How long one write of the document takes on this machine, now: the mean
+// of a few writes by the same code the writer runs.
+std::chrono::microseconds timeOfOneWrite(const std::string& path)
 {
-    return Json::parse(dir.read("store.json"), nullptr, false);
-}
-
-// How long the writer needs, on this machine and under its present load, to
-// start and complete its first write (the one that stores "second").
-Clock::duration timeToFirstWrite(const PlixConfigTestDir& dir, const Json& second)
-{
+    jzonFile file(path);
+    EXPECT_TRUE(file.read());
     const Clock::time_point start = Clock::now();
-    pid_t child = startRewriteLoop(dir.path("store.json"));
-    EXPECT_GT(child, 0);
-    // Whether "second" was seen is decided before the kill: a slow machine
-    // (an emulated one) may complete the next write, "first", meanwhile.
-    bool written = false;
-    while (!(written = parsed(dir) == second) && Clock::now() - start < firstWriteBound) {
-        usleep(1000);
+    for (int i = 0; i < kTimedWrites; ++i) {
+        EXPECT_TRUE(file.write());
     }
-    const Clock::duration needed = Clock::now() - start;
-    EXPECT_TRUE(killWriter(child)) << "the writer ended by itself";
-    EXPECT_TRUE(written) << "no write completed within the bound";
-    return needed;
+    return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start) /
+           kTimedWrites;
 }
 
-// Kills the writer of "store.json" 200 times at random points of its writes;
-// each time the file holds one of the two documents whole.
-void killWritersOf(const PlixConfigTestDir& dir, const Json& first, const Json& second)
+// Whether a write was under way: its new file is there beside the store
+// file, in the directory where the writes land.
+bool writeWasInterrupted(const std::string& directory)
+{
+    bool interrupted = false;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        if (entry.path().filename() != "store.json") {
+            interrupted = true;
+            std::filesystem::remove(entry.path());
+        }
+    }
+    return interrupted;
+}
+
+// Kills the writer of "store.json" at random points of its writes; each time
+// the file holds one of the two documents whole. The writes land in
+// writeDirectory.
+void killWritersOf(const PlixConfigTestDir& dir, const std::string& writeDirectory,
+                   const Json& first, const Json& second)
 {
     const std::string path = dir.path("store.json");
-    // The kills must reach into the writes themselves however busy the
-    // machine is, so the window grows with the time a first write takes.
-    const auto window = std::clamp(
-        std::chrono::duration_cast<std::chrono::microseconds>(3 * timeToFirstWrite(dir, second)),
-        std::chrono::microseconds(shortestWindow), std::chrono::microseconds(longestWindow));
-    std::mt19937 random(20240601);
+    const unsigned seed = seedOfThisRun();
+    const std::chrono::microseconds window = kWindowInWrites * timeOfOneWrite(path);
+    std::cout << "power loss: seed " << seed << " (PLIX_POWER_LOSS_SEED repeats it), kills over "
+              << window.count() << " us\n";
+    std::mt19937 random(seed);
     std::uniform_int_distribution<long> delayMicroseconds(0, window.count());
-    for (int kill = 0; kill < 200; ++kill) {
-        pid_t child = startRewriteLoop(path);
+    int interrupted = 0;
+    for (int kill = 0; kill < kKills; ++kill) {
+        int ready = -1;
+        const pid_t child = startRewriteLoop(path, ready);
         ASSERT_GT(child, 0);
+        const bool started = waitReady(ready);
+        close(ready);
         usleep(static_cast<useconds_t>(delayMicroseconds(random)));
         ASSERT_TRUE(killWriter(child)) << "the writer ended by itself";
-        std::string text = dir.read("store.json");
-        ASSERT_FALSE(text.empty()) << "after kill " << kill;
-        Json found = Json::parse(text, nullptr, false);
-        ASSERT_TRUE(found == first || found == second) << "after kill " << kill;
+        ASSERT_TRUE(started) << "the writer did not start within the bound";
+        interrupted += writeWasInterrupted(writeDirectory) ? 1 : 0;
+        const Json found = Json::parse(dir.read("store.json"), nullptr, false);
+        ASSERT_TRUE(found == first || found == second)
+            << "after kill " << kill << ", seed " << seed;
     }
+    std::cout << "power loss: " << interrupted << " of " << kKills
+              << " kills interrupted a write\n";
+    EXPECT_GE(interrupted, kInterruptedShare * kKills) << "seed " << seed;
 }
 } // namespace
 
@@ -99,7 +148,7 @@ TEST(jzonFilePowerLoss, KillingAWriterAtAnyPointLeavesOneWholeDocument)
     PlixConfigTestDir dir;
     const Json first = documentWithState("first");
     dir.write("store.json", first.dump(4) + "\n");
-    killWritersOf(dir, first, documentWithState("second"));
+    killWritersOf(dir, dir.path(), first, documentWithState("second"));
 }
 
 TEST(jzonFilePowerLoss, KillingTheWriterOfALinkedFileLeavesOneWholeDocumentAndTheLink)
@@ -109,6 +158,6 @@ TEST(jzonFilePowerLoss, KillingTheWriterOfALinkedFileLeavesOneWholeDocumentAndTh
     std::filesystem::create_directory(dir.path("data"));
     dir.write("data/store.json", first.dump(4) + "\n");
     std::filesystem::create_symlink("data/store.json", dir.path("store.json"));
-    killWritersOf(dir, first, documentWithState("second"));
+    killWritersOf(dir, dir.path("data"), first, documentWithState("second"));
     EXPECT_TRUE(std::filesystem::is_symlink(dir.path("store.json")));
 }

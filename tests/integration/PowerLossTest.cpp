@@ -3,10 +3,11 @@
 // always hold either the document before the commit or the one after it,
 // and the service must start again on it and read back what it holds.
 //
-//   integration_power_loss_tests [--cycles=N] [gtest options]
+//   integration_power_loss_tests [--cycles=N] [--seed=N] [gtest options]
 //
 // The default of 200 cycles keeps the run to a few minutes; the full check
-// is --cycles=1000.
+// is --cycles=1000. The seed of the kill times is printed; --seed repeats a
+// run.
 
 #include "PlixIntegrationTest.h"
 #include "PlixWait.h"
@@ -23,6 +24,7 @@
 
 namespace {
 int gCycles = 200;
+unsigned gSeed = 0;
 constexpr int kMaxKillDelayMs = 150;
 const char* const kCounterId = "load/counter";
 
@@ -81,7 +83,7 @@ protected:
 void PowerLossTest::killDuringCommits(const std::string& xml)
 {
     const nlohmann::json original = storeOrNull();
-    std::mt19937 random(std::random_device{}());
+    std::mt19937 random(gSeed);
     int counter = original["load"]["counter"].get<int>();
     for (int cycle = 0; cycle < gCycles && !HasFailure(); ++cycle) {
         PlixServiceProcess& service = start({"-c", xml}, {}, "cycle" + std::to_string(cycle));
@@ -104,9 +106,10 @@ void PowerLossTest::killDuringCommits(const std::string& xml)
         counter = store["load"]["counter"].get<int>();
         // The last confirmed commit, or the one under way when it was killed.
         EXPECT_TRUE(counter == confirmed || counter == confirmed + 1)
-            << "cycle " << cycle << ": " << counter << " after " << confirmed << " confirmed";
+            << "seed " << gSeed << ", cycle " << cycle << ": " << counter << " after " << confirmed
+            << " confirmed";
         store["load"]["counter"] = original["load"]["counter"];
-        EXPECT_EQ(store, original) << "cycle " << cycle;
+        EXPECT_EQ(store, original) << "seed " << gSeed << ", cycle " << cycle;
     }
     std::cout << "power loss: " << gCycles << " kills, " << counter << " commits kept\n";
     EXPECT_GT(counter, original["load"]["counter"].get<int>());
@@ -131,13 +134,17 @@ TEST_F(PowerLossTest, LinkedStoreKilledDuringPersistentCommitsLeavesTheOldOrTheN
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
+    gSeed = std::random_device{}();
     for (int i = 1; i < argc; ++i) {
         if (std::strncmp(argv[i], "--cycles=", 9) == 0) {
             gCycles = std::max(1, std::stoi(argv[i] + 9));
+        } else if (std::strncmp(argv[i], "--seed=", 7) == 0) {
+            gSeed = static_cast<unsigned>(std::stoul(argv[i] + 7));
         } else {
             std::cerr << "integration_power_loss_tests: unknown argument " << argv[i] << "\n";
             return 2;
         }
     }
+    std::cout << "power loss: seed " << gSeed << ", " << gCycles << " cycles\n";
     return RUN_ALL_TESTS();
 }
