@@ -13,8 +13,10 @@ bool PlixBenchRewrite::measure(const std::string& path, int count, long values, 
         return false;
     }
     PlixBenchStats rewrites;
-    if (!rewrites.recordRepeated(count, [&store](int) { return store.write(); })) {
-        std::fprintf(stderr, "plix_bench_client: cannot rewrite %s\n", path.c_str());
+    std::string error;
+    if (!rewrites.recordRepeated(count, [&store, &error](int) { return store.write(error); })) {
+        std::fprintf(stderr, "plix_bench_client: cannot rewrite %s: %s\n", path.c_str(),
+                     error.c_str());
         return false;
     }
     median = rewrites.median();

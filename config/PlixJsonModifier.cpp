@@ -72,7 +72,7 @@ void PlixJsonModifier::add_panel_file(PlixFile* file)
         plixShutDown(1);
     }
     recordsByName[file->getName()].push_back(records.size());
-    records.push_back(Panel_file{file, std::move(document)});
+    records.push_back(Panel_file{file, std::move(document), PlixRewriteAttempts(file->getPath())});
 }
 
 int PlixJsonModifier::get_value(PlixValue* value)
@@ -119,13 +119,40 @@ void PlixJsonModifier::readFrom(Panel_file& record, PlixValue* value)
 
 int PlixJsonModifier::rewrite_json()
 {
+    int unwritten = 0;
     for (Panel_file& record : records) {
-        if (record.file->getType() == "read_only" || !record.file->rewrite()) {
-            continue;
+        if (record.file->getType() != "read_only" && record.file->rewrite() && !rewrite(record)) {
+            ++unwritten;
         }
-        plixLog(LOG_INFO, "Rewriting %s", record.file->getPath().c_str());
-        record.document->write();
-        record.file->resetReWrite();
     }
-    return 0;
+    return unwritten;
+}
+
+// The document always holds the latest committed content, so a retry writes
+// that and not what the first try had. A file being retried is announced
+// only by its attempts: a full disk tried again and again adds no lines.
+bool PlixJsonModifier::rewrite(Panel_file& record)
+{
+    if (!record.attempts.failing()) {
+        plixLog(LOG_INFO, "Rewriting %s", record.file->getPath().c_str());
+    }
+    std::string error;
+    if (!record.document->write(error)) {
+        record.attempts.failed(error);
+        return false;
+    }
+    record.attempts.succeeded();
+    record.file->resetReWrite();
+    return true;
+}
+
+std::vector<PlixStoreFailure> PlixJsonModifier::failingFiles() const
+{
+    std::vector<PlixStoreFailure> failing;
+    for (const Panel_file& record : records) {
+        if (record.attempts.failing()) {
+            failing.push_back({record.file->getPath(), record.attempts.error()});
+        }
+    }
+    return failing;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PlixRewriteAttempts.h"
+
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -9,6 +11,13 @@
 class PlixFile;
 class PlixValue;
 class jzonFile;
+
+// A store file whose latest write failed, and that write's error.
+struct PlixStoreFailure
+{
+    std::string path;
+    std::string error;
+};
 
 // Opens each JSON store file once at start-up, reads every value's initial
 // content through its jpath, and writes back the files a commit changed.
@@ -26,17 +35,24 @@ public:
     // Reads one value's initial content; a missing jpath ends the process
     // with status 5. Returns 0.
     int get_value(PlixValue* value);
-    // Writes every changed file that is not "read_only". Returns 0.
+    // Writes every changed file that is not "read_only". A file that cannot
+    // be written stays marked for rewrite, so every later call tries it
+    // again. Returns how many files stay unwritten.
     int rewrite_json();
+    // The files whose latest write failed, in the order of their Panel_file
+    // elements.
+    std::vector<PlixStoreFailure> failingFiles() const;
 
 private:
     struct Panel_file
     {
         PlixFile* file;
         std::unique_ptr<jzonFile> document;
+        PlixRewriteAttempts attempts;
     };
     // Sets the value's node and content from the record's document.
     void readFrom(Panel_file& record, PlixValue* value);
+    static bool rewrite(Panel_file& record);
 
     std::vector<Panel_file> records;
     // The records of each file name, in declaration order: a value reads

@@ -2,7 +2,6 @@
 
 #include "PlixDurableFile.h"
 #include "PlixJzonNode.h"
-#include "PlixLog.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -175,15 +174,10 @@ bool jzonFile::readText(std::string& text) const
     return ok;
 }
 
-bool jzonFile::write()
+bool jzonFile::write(std::string& error)
 {
     const std::string text = document.dump(4, ' ', false, Json::error_handler_t::replace) + "\n";
-    std::string error;
-    if (!PlixDurableFile(path).replace(text, error)) {
-        plixLog(LOG_ERR, "Could not write %s: %s", path.c_str(), error.c_str());
-        return false;
-    }
-    return true;
+    return PlixDurableFile(path).replace(text, error);
 }
 
 Jzon::Node* jzonFile::findNode(std::string jpath)

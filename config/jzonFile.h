@@ -32,8 +32,9 @@ public:
     // Nodes handed out before are no longer valid.
     bool read();
     // Replaces the file atomically and durably with the document, keeping
-    // the file's mode; on failure logs why and leaves the old file intact.
-    bool write();
+    // the file's mode; on failure leaves the old file intact and error holds
+    // the system's reason. The caller decides what of a failure is logged.
+    bool write(std::string& error);
     // The node under the jpath, or nullptr. The same element always gives
     // the same node, valid as long as the document lives.
     Jzon::Node* findNode(std::string jpath);

@@ -30,6 +30,7 @@ void PlixMonitorInterface::connect_methods()
     g_signal_connect(getAdaptor(), "handle-list-values", G_CALLBACK(static_listValues), nullptr);
     g_signal_connect(getAdaptor(), "handle-get-values", G_CALLBACK(static_getValues), nullptr);
     g_signal_connect(getAdaptor(), "handle-apply", G_CALLBACK(static_apply), nullptr);
+    g_signal_connect(getAdaptor(), "handle-store-status", G_CALLBACK(static_storeStatus), nullptr);
 }
 
 void PlixMonitorInterface::configure(int, char**)
@@ -148,7 +149,26 @@ int PlixMonitorInterface::applyChanges(const std::string& client, GVariant* chan
             return status;
         }
     }
-    return engine.transactionStop(client);
+    std::string unstoredFile;
+    const int stopped = engine.transactionStop(client, unstoredFile);
+    if (stopped == 0 && !unstoredFile.empty()) {
+        failedId = unstoredFile;
+        return notStoredStatus;
+    }
+    return stopped;
+}
+
+gboolean PlixMonitorInterface::storeStatus(PlixMonitor* skeleton, GDBusMethodInvocation* invocation)
+{
+    const std::vector<PlixStoreFailure> failing = Plix::getInstance()->storeStatus();
+    GVariantBuilder files;
+    g_variant_builder_init(&files, G_VARIANT_TYPE("a(ss)"));
+    for (const PlixStoreFailure& file : failing) {
+        g_variant_builder_add(&files, "(ss)", file.path.c_str(), file.error.c_str());
+    }
+    plix_monitor_complete_store_status(skeleton, invocation, failing.empty(),
+                                       g_variant_builder_end(&files));
+    return TRUE;
 }
 
 // The signal leaves once the handler that caused it has sent its reply: the
@@ -196,4 +216,10 @@ gboolean PlixMonitorInterface::static_apply(PlixMonitor* skeleton,
                                             gboolean persistent, gpointer)
 {
     return getInstance()->apply(skeleton, invocation, changes, persistent);
+}
+
+gboolean PlixMonitorInterface::static_storeStatus(PlixMonitor* skeleton,
+                                                  GDBusMethodInvocation* invocation, gpointer)
+{
+    return getInstance()->storeStatus(skeleton, invocation);
 }

@@ -8,8 +8,8 @@
 
 // "com.orvanta.plix.Monitor" at "/plix", beside the configuration interface:
 // the list of values with their types, many transient reads or one whole
-// transaction in a single call, and the signal ValuesChanged after every
-// change that took effect. Every answer comes from the engine's public
+// transaction in a single call, the store files that could not be written,
+// and the signal ValuesChanged after every change that took effect. Every answer comes from the engine's public
 // operations, so codes and log lines are the engine's own; the signal
 // carries XML-IDs only, never values, since the system bus is shared.
 //
@@ -21,6 +21,9 @@ class PlixMonitorInterface : public GDBusInterfaceBase
 {
 public:
     static constexpr const char* interfaceName = "com.orvanta.plix.Monitor";
+    // Apply's answer for a change that took effect but that a store file it
+    // touched does not hold yet: the configuration interface answers 0 for it.
+    static constexpr int notStoredStatus = 17;
 
     static PlixMonitorInterface* getInstance();
 
@@ -32,6 +35,7 @@ public:
                        const gchar* const* ids);
     gboolean apply(PlixMonitor* skeleton, GDBusMethodInvocation* invocation, GVariant* changes,
                    gboolean persistent);
+    gboolean storeStatus(PlixMonitor* skeleton, GDBusMethodInvocation* invocation);
     void valuesChanged(const std::vector<std::string>& xmlIds, bool persistent);
 
     static gboolean static_listValues(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
@@ -40,11 +44,14 @@ public:
                                      const gchar* const* ids, gpointer userData);
     static gboolean static_apply(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
                                  GVariant* changes, gboolean persistent, gpointer userData);
+    static gboolean static_storeStatus(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                                       gpointer userData);
 
 private:
     PlixMonitorInterface();
     // The transaction of one Apply: start, one set per change in the order
-    // given, stop. Names the change whose set failed in failedId.
+    // given, stop. Names the change whose set failed in failedId, or the
+    // store file that the commit could not write.
     static int applyChanges(const std::string& client, GVariant* changes, bool persistent,
                             std::string& failedId);
     static bool allSettable(GVariant* changes, std::string& refusedId);

@@ -11,6 +11,7 @@
 #include "PlixXML_Parser.h"
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 
 namespace {
@@ -21,6 +22,8 @@ const char* const programName = "dbus-ex-plix";
 const char* const defaultConfigPath = "/etc/orvanta/plix/plix_config.xml";
 // The value table is filled once at start-up; this is its initial size.
 constexpr std::size_t valueTableBuckets = 11;
+// How often a store file that could not be written is tried again.
+constexpr std::chrono::milliseconds storeRetryPeriod{30000};
 
 } // namespace
 
@@ -32,7 +35,8 @@ Plix* Plix::getInstance()
 
 Plix::Plix()
     : client(idleClient), values(valueTableBuckets), persistent(true), configured(false),
-      triggerOnStart(false), timeout([this] { client_timeout(SIGALRM); })
+      triggerOnStart(false), timeout([this] { client_timeout(SIGALRM); }),
+      storeRetry(storeRetryPeriod, [this] { return jsonModifier.rewrite_json() == 0; })
 {
     PlixClientTimeout::installSignalHandler(&Plix::client_timeout_proxy);
 }
@@ -142,6 +146,12 @@ int Plix::transactionStart(std::string client, bool persistent)
 
 int Plix::transactionStop(std::string client)
 {
+    std::string unstoredFile;
+    return transactionStop(std::move(client), unstoredFile);
+}
+
+int Plix::transactionStop(std::string client, std::string& unstoredFile)
+{
     plixLog(LOG_NOTICE, "transactionStop client: %s ", client.c_str());
     if (!isHolder(client)) {
         plixLog(LOG_WARNING, "Client is not registered.");
@@ -152,12 +162,7 @@ int Plix::transactionStop(std::string client)
         clear_plix();
         return 0;
     }
-    std::vector<PlixValue*> changed;
-    for (const ValueMap::iterator& entry : changedValues) {
-        changed.push_back(&entry->second);
-    }
-    const unsigned result =
-        PlixCommit(changed, markedInDeclarationOrder()).run(persistent, jsonModifier);
+    const unsigned result = commitChanges(unstoredFile);
     std::vector<std::string> changedIds;
     for (const ValueMap::iterator& entry : changedValues) {
         changedIds.push_back(entry->first);
@@ -168,6 +173,24 @@ int Plix::transactionStop(std::string client)
         notifyChanged(changedIds, committedPersistent);
     }
     return static_cast<int>(result);
+}
+
+// A store file left unwritten, by this commit or an earlier one, keeps the
+// retry timer going until it is written.
+unsigned Plix::commitChanges(std::string& unstoredFile)
+{
+    std::vector<PlixValue*> changed;
+    for (const ValueMap::iterator& entry : changedValues) {
+        changed.push_back(&entry->second);
+    }
+    const std::vector<PlixDataSet*> marked = markedInDeclarationOrder();
+    PlixCommit commit(changed, marked);
+    const unsigned result = commit.run(persistent, jsonModifier);
+    unstoredFile = commit.unstoredFile();
+    if (!jsonModifier.failingFiles().empty()) {
+        storeRetry.arm();
+    }
+    return result;
 }
 
 void Plix::clear_plix()
@@ -370,6 +393,11 @@ void Plix::notifyChanged(const std::vector<std::string>& xmlIds, bool persistent
 std::vector<PlixValueListing::Entry> Plix::listValues() const
 {
     return PlixValueListing::of(dataSets);
+}
+
+std::vector<PlixStoreFailure> Plix::storeStatus() const
+{
+    return jsonModifier.failingFiles();
 }
 
 // Through getValue, which gives NONE for a declared value that has no content.

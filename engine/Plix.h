@@ -2,6 +2,7 @@
 
 #include "PlixClientTimeout.h"
 #include "PlixJsonModifier.h"
+#include "PlixStoreRetry.h"
 #include "PlixValueTable.h"
 #include "PlixValueListing.h"
 #include "PlixVariant.h"
@@ -41,6 +42,11 @@ public:
 
     int transactionStart(std::string client, bool persistent);
     int transactionStop(std::string client);
+    // The same, and names in unstoredFile a store file holding a value of
+    // this commit that could not be written (empty when all were written);
+    // the commit still answers 0, its values stay applied and the file is
+    // tried again.
+    int transactionStop(std::string client, std::string& unstoredFile);
     void clear_plix();
     void client_timeout(int signal);
     static void client_timeout_proxy(int signal);
@@ -73,6 +79,8 @@ public:
 
     void setChangeObserver(ChangeObserver observer);
     std::vector<PlixValueListing::Entry> listValues() const;
+    // The store files whose latest write failed, each with its error.
+    std::vector<PlixStoreFailure> storeStatus() const;
     // The data-type number of the value's current content; NONE for an
     // XML-ID that is not declared.
     int dataTypeOf(const std::string& xml_id) const;
@@ -84,6 +92,7 @@ private:
     // with no transaction open and otherClientCode for another client.
     int refuseNonHolder(const std::string& caller, int otherClientCode) const;
     void readValuesFromJson();
+    unsigned commitChanges(std::string& unstoredFile);
 
     template <typename T>
     int readTyped(const char* operation, const std::string& client, const std::string& xml_id,
@@ -122,4 +131,5 @@ private:
     bool triggerOnStart;
     PlixClientTimeout timeout;
     ChangeObserver changeObserver;
+    PlixStoreRetry storeRetry;
 };

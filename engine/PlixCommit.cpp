@@ -3,6 +3,7 @@
 #include "PlixChangeActions.h"
 #include "PlixDataSet.h"
 #include "PlixDatasetValidator.h"
+#include "PlixFile.h"
 #include "PlixJsonModifier.h"
 #include "PlixLog.h"
 #include "PlixValue.h"
@@ -93,7 +94,22 @@ void PlixCommit::persist(PlixJsonModifier& jsonModifier)
             value->changeJsonNode();
         }
     }
-    jsonModifier.rewrite_json();
+    if (jsonModifier.rewrite_json() != 0) {
+        findUnstoredFile();
+    }
+}
+
+// The rewrite leaves exactly the files it could not write marked; one left
+// from an earlier commit and still unwritten is not this commit's.
+void PlixCommit::findUnstoredFile()
+{
+    for (PlixValue* value : changedValues) {
+        const PlixFile* file = value->getDataSet().getFile();
+        if (value->inJson() && file != nullptr && file->rewrite()) {
+            unstored = file->getPath();
+            return;
+        }
+    }
 }
 
 void PlixCommit::rollBackChangedValues()

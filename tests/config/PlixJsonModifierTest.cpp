@@ -52,11 +52,23 @@ protected:
 
     PlixVariant contentOf(const std::string& name) { return config.value("d/" + name).getValue(); }
 
-    std::string rewrite()
+    std::string rewrite() { return rewriteUnwritten(0); }
+
+    // Rewrites, expecting this many files to stay unwritten.
+    std::string rewriteUnwritten(int expected)
     {
         testing::internal::CaptureStdout();
-        EXPECT_EQ(config.json.rewrite_json(), 0);
+        EXPECT_EQ(config.json.rewrite_json(), expected);
         return testing::internal::GetCapturedStdout();
+    }
+
+    // A directory where the store file was: every write of it fails, and
+    // removing the directory lets the next one through.
+    void blockStore() const
+    {
+        std::filesystem::remove(store);
+        std::filesystem::create_directory(store);
+        std::filesystem::create_directory(store + "/keep");
     }
 
     PlixLoadedConfig config;
@@ -312,16 +324,53 @@ TEST_F(PlixJsonModifierTest, ReadOnlyFileIsNeverWrittenAndKeepsItsRewriteFlag)
     EXPECT_EQ(config.dir.read("store.json"), storeJson);
 }
 
-TEST_F(PlixJsonModifierTest, FailedWriteIsLoggedAndRewriteStillReturns0)
+TEST_F(PlixJsonModifierTest, FailedWriteIsLoggedAndCountedAsUnwritten)
 {
     loadAndRead(value("s", "string", "general.name"));
-    std::filesystem::remove(store);
-    std::filesystem::create_directory(store);
-    std::filesystem::create_directory(store + "/keep");
+    blockStore();
     config.dataSet("d").getFile()->setReWrite();
-    Lines lines = PlixLoadedConfig::lines(rewrite());
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0], "[NFO] Rewriting " + store);
-    EXPECT_EQ(lines[1].rfind("[ERR] Could not write " + store + ": ", 0), 0u) << lines[1];
+    EXPECT_EQ(
+        PlixLoadedConfig::lines(rewriteUnwritten(1)),
+        (Lines{"[NFO] Rewriting " + store, "[ERR] Could not write " + store + ": Is a directory"}));
     EXPECT_TRUE(std::filesystem::is_directory(store + "/keep"));
+}
+
+TEST_F(PlixJsonModifierTest, FailedFileStaysMarkedAndIsListedWithItsError)
+{
+    loadAndRead(value("s", "string", "general.name"));
+    blockStore();
+    config.dataSet("d").getFile()->setReWrite();
+    rewriteUnwritten(1);
+    EXPECT_TRUE(config.dataSet("d").getFile()->rewrite());
+    const auto failing = config.json.failingFiles();
+    ASSERT_EQ(failing.size(), 1u);
+    EXPECT_EQ(failing[0].path, store);
+    EXPECT_EQ(failing[0].error, "Is a directory");
+}
+
+TEST_F(PlixJsonModifierTest, RetriesThatFailAlikeAddNoLines)
+{
+    loadAndRead(value("s", "string", "general.name"));
+    blockStore();
+    config.dataSet("d").getFile()->setReWrite();
+    rewriteUnwritten(1);
+    EXPECT_EQ(rewriteUnwritten(1), "");
+    EXPECT_EQ(rewriteUnwritten(1), "");
+}
+
+// The retry writes what the document holds then: the latest content.
+TEST_F(PlixJsonModifierTest, NextRewriteWritesTheFailedFileWithOneNotice)
+{
+    loadAndRead(value("s", "string", "general.name"));
+    blockStore();
+    config.dataSet("d").getFile()->setReWrite();
+    rewriteUnwritten(1);
+    rewriteUnwritten(1);
+    config.value("d/s").getJsonNode()->AsValue().Set(std::string("gamma"));
+    std::filesystem::remove_all(store);
+    EXPECT_EQ(PlixLoadedConfig::lines(rewrite()),
+              Lines{"[NOT] " + store + " written after 2 failed attempts"});
+    EXPECT_FALSE(config.dataSet("d").getFile()->rewrite());
+    EXPECT_TRUE(config.json.failingFiles().empty());
+    EXPECT_NE(config.dir.read("store.json").find("\"name\": \"gamma\""), std::string::npos);
 }

@@ -21,9 +21,10 @@ int main(int argc, char** argv)
     if (write(STDOUT_FILENO, "r", 1) != 1) {
         return 2;
     }
+    std::string error;
     for (unsigned round = 0;; ++round) {
         state->AsValue().Set(std::string(round % 2 == 0 ? "second" : "first"));
-        if (!file.write()) {
+        if (!file.write(error)) {
             return 3;
         }
     }

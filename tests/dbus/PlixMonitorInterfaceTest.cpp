@@ -127,6 +127,11 @@ TEST_F(PlixMonitorInterfaceTest, ApplyOfNothingAnswers0)
     EXPECT_EQ(replyText("Apply", g_variant_new_parsed("(@a{sv} {}, false)")), "(0, '')");
 }
 
+TEST_F(PlixMonitorInterfaceTest, StoreStatusOfAnEngineWithoutFilesHasEveryFileWritten)
+{
+    EXPECT_EQ(replyText("StoreStatus", nullptr), "(true, @a(ss) [])");
+}
+
 TEST_F(PlixMonitorInterfaceTest, ValuesChangedCarriesTheIdsAndThePersistentFlag)
 {
     PlixSeenSignal seen;

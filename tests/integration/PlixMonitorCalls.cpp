@@ -75,3 +75,23 @@ PlixMonitorCalls::Applied PlixMonitorCalls::apply(const std::vector<Change>& cha
     applied.failedId = failedId;
     return applied;
 }
+
+PlixMonitorCalls::Stored PlixMonitorCalls::storeStatus() const
+{
+    Stored stored{false, {}};
+    const PlixGVariantPtr reply = call("StoreStatus", nullptr);
+    if (!reply) {
+        return stored;
+    }
+    gboolean allWritten = FALSE;
+    GVariantIter* iter = nullptr;
+    g_variant_get(reply.get(), "(ba(ss))", &allWritten, &iter);
+    stored.allWritten = allWritten != FALSE;
+    const gchar* file = nullptr;
+    const gchar* error = nullptr;
+    while (g_variant_iter_next(iter, "(&s&s)", &file, &error)) {
+        stored.failing.emplace_back(file, error);
+    }
+    g_variant_iter_free(iter);
+    return stored;
+}

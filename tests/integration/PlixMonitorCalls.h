@@ -39,12 +39,19 @@ public:
     };
     // One entry of an Apply; value is a floating variant.
     using Change = std::pair<std::string, GVariant*>;
+    // What StoreStatus answers: each failing file with its error.
+    struct Stored
+    {
+        bool allWritten;
+        std::vector<std::pair<std::string, std::string>> failing;
+    };
 
     explicit PlixMonitorCalls(const PlixBusClient& client) : mClient(client) {}
 
     std::vector<Listed> listValues() const;
     Read getValues(const std::vector<std::string>& ids) const;
     Applied apply(const std::vector<Change>& changes, bool persistent) const;
+    Stored storeStatus() const;
 
 private:
     PlixGVariantPtr call(const std::string& method, GVariant* params) const;

@@ -4,6 +4,7 @@
 #include "PlixWait.h"
 
 #include <csignal>
+#include <filesystem>
 
 #ifndef PLIXCTL_BINARY
 #error "PLIXCTL_BINARY must be defined by the build"
@@ -53,6 +54,16 @@ protected:
             [&] { return fileText("monitor.err").find("monitoring") != std::string::npos; },
             kRunBound));
         return monitor;
+    }
+
+    // A directory where the store file was makes every write of it fail;
+    // returns the file's path.
+    std::string blockStoreFile()
+    {
+        const std::string store = dir().file("store.json");
+        std::filesystem::remove(store);
+        std::filesystem::create_directory(store);
+        return store;
     }
 
     bool waitMonitorOutput(const std::string& expected)
@@ -291,6 +302,33 @@ TEST_F(Plixctl, UsageErrorExits64)
     const auto result = run({"frobnicate"});
     EXPECT_EQ(result.status, 64);
     EXPECT_EQ(result.err, "plixctl: unknown command 'frobnicate'\nTry 'plixctl --help'.\n");
+}
+
+TEST_F(Plixctl, SetWhoseStoreFileCannotBeWrittenExits9NamingTheFileAndTheError)
+{
+    const std::string store = blockStoreFile();
+    const auto result = run({"set", "general/count=7"});
+    EXPECT_EQ(result.status, 9);
+    EXPECT_EQ(result.out, "applied, but not stored: " + store + ": Is a directory\n");
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(client().getIntTransient("general/count").value, 7);
+}
+
+TEST_F(Plixctl, StatusWithEveryStoreFileWrittenExits0)
+{
+    ASSERT_EQ(run({"set", "general/count=7"}).status, 0);
+    const auto result = run({"status"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "all store files written\n");
+}
+
+TEST_F(Plixctl, StatusListsTheStoreFileThatCouldNotBeWrittenAndExits9)
+{
+    const std::string store = blockStoreFile();
+    ASSERT_EQ(run({"set", "general/count=7"}).status, 9);
+    const auto result = run({"status"});
+    EXPECT_EQ(result.status, 9);
+    EXPECT_EQ(result.out, "not stored: " + store + ": Is a directory\n");
 }
 
 TEST_F(Plixctl, HelpShowsTheExitStatusTable)

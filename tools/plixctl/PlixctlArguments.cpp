@@ -14,6 +14,7 @@ const std::map<std::string, PlixctlArguments::Command>& commands()
         {"set", PlixctlArguments::Command::set},
         {"verify", PlixctlArguments::Command::verify},
         {"monitor", PlixctlArguments::Command::monitor},
+        {"status", PlixctlArguments::Command::status},
     };
     return names;
 }
@@ -93,7 +94,9 @@ void PlixctlArguments::check()
         mError = "no command given";
     } else if (mSetModeGiven && mCommand != Command::set) {
         mError = "--transient and --no-persist belong to the command set";
-    } else if ((mCommand == Command::list || mCommand == Command::monitor) && count != 0) {
+    } else if ((mCommand == Command::list || mCommand == Command::monitor ||
+                mCommand == Command::status) &&
+               count != 0) {
         mError = "this command takes no operands";
     } else if (mCommand == Command::get && count == 0) {
         mError = "get needs at least one XML-ID";
@@ -128,6 +131,8 @@ std::string PlixctlArguments::usage()
            "                            never stored)\n"
            "  verify ID VALUE           does VALUE equal the stored value? (passwords too)\n"
            "  monitor                   prints each change (ID=VALUE) until interrupted\n"
+           "  status                    the store files that could not be written, each\n"
+           "                            with its error; the service retries them\n"
            "\n"
            "A VALUE is read as the value's declared type: int, double (or float),\n"
            "bool (true, false, 1, 0), anything else as text. For a password value a\n"

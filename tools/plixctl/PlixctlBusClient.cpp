@@ -154,6 +154,25 @@ std::optional<int> PlixctlBusClient::transactionStop()
     return callForCode("Transactionstop", nullptr);
 }
 
+std::optional<std::vector<PlixctlStoreFailure>> PlixctlBusClient::storeStatus()
+{
+    const PlixctlVariant reply = call(monitorInterface, "StoreStatus", nullptr, "(ba(ss))");
+    if (!reply) {
+        return std::nullopt;
+    }
+    std::vector<PlixctlStoreFailure> failing;
+    gboolean allWritten = FALSE;
+    GVariantIter* iter = nullptr;
+    g_variant_get(reply.get(), "(ba(ss))", &allWritten, &iter);
+    const gchar* file = nullptr;
+    const gchar* error = nullptr;
+    while (g_variant_iter_next(iter, "(&s&s)", &file, &error)) {
+        failing.push_back({file, error});
+    }
+    g_variant_iter_free(iter);
+    return failing;
+}
+
 void PlixctlBusClient::subscribeValuesChanged(ChangeHandler handler)
 {
     mChangeHandler = std::move(handler);

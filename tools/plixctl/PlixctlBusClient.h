@@ -23,6 +23,13 @@ struct PlixctlValueInfo
     bool readOnly;
 };
 
+// A store file whose latest write failed, as StoreStatus lists it.
+struct PlixctlStoreFailure
+{
+    std::string file;
+    std::string error;
+};
+
 // A status code with the XML-ID that the service names, if any.
 struct PlixctlResult
 {
@@ -57,6 +64,8 @@ public:
     std::optional<int> transactionStart(bool persistent);
     std::optional<int> verify(GVariant* value, const std::string& id);
     std::optional<int> transactionStop();
+    // The store files whose latest write failed; empty when all are written.
+    std::optional<std::vector<PlixctlStoreFailure>> storeStatus();
 
     using ChangeHandler = std::function<void(const std::vector<std::string>& ids, bool persistent)>;
     // Calls the handler for each ValuesChanged signal of the service, from

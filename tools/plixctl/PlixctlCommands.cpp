@@ -132,7 +132,32 @@ int PlixctlCommands::applyAll(const std::vector<Change>& changes, bool persisten
     if (!result) {
         return mOutput.busFailure(mClient.error());
     }
+    if (result->code == PlixctlStatus::notStoredCode) {
+        return notStored(changes, result->id);
+    }
     return result->code == 0 ? PlixctlStatus::success : mOutput.failure(result->code, result->id);
+}
+
+// A file that StoreStatus no longer lists was written in between by the
+// service's retry.
+int PlixctlCommands::notStored(const std::vector<Change>& changes, const std::string& file)
+{
+    const auto failing = mClient.storeStatus();
+    if (!failing) {
+        return mOutput.busFailure(mClient.error());
+    }
+    std::string error = "written since";
+    for (const PlixctlStoreFailure& failure : *failing) {
+        if (failure.file == file) {
+            error = failure.error;
+        }
+    }
+    std::vector<std::string> ids;
+    for (const Change& change : changes) {
+        ids.push_back(change.id);
+    }
+    mOutput.notStored(ids, file, error);
+    return PlixctlStatus::notStored;
 }
 
 // Stops at the first refused value; the ones before it stay applied, as
@@ -149,6 +174,16 @@ int PlixctlCommands::setTransientOneByOne(const std::vector<Change>& changes)
         }
     }
     return PlixctlStatus::success;
+}
+
+int PlixctlCommands::status()
+{
+    const auto failing = mClient.storeStatus();
+    if (!failing) {
+        return mOutput.busFailure(mClient.error());
+    }
+    mOutput.storeStatus(*failing);
+    return failing->empty() ? PlixctlStatus::success : PlixctlStatus::notStored;
 }
 
 int PlixctlCommands::verify(const std::string& id, const std::string& text)

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// The one-shot commands of plixctl (list, get, set, verify), each a short
+// The one-shot commands of plixctl (list, get, set, verify, status), each a short
 // exchange with the service; every one answers plixctl's exit status.
 class PlixctlCommands
 {
@@ -20,6 +20,7 @@ public:
     int get(const std::vector<std::string>& ids);
     int set(const std::vector<std::string>& assignments, PlixctlArguments::SetMode mode);
     int verify(const std::string& id, const std::string& text);
+    int status();
 
 private:
     struct Change
@@ -35,6 +36,9 @@ private:
     GVariant* valueFor(const std::map<std::string, std::string>& types, const std::string& id,
                        const std::string& text, int* status);
     int applyAll(const std::vector<Change>& changes, bool persistent);
+    // Reports a change that was applied but whose store file could not be
+    // written, with the error that StoreStatus gives for the file.
+    int notStored(const std::vector<Change>& changes, const std::string& file);
     int setTransientOneByOne(const std::vector<Change>& changes);
     std::optional<PlixctlResult> verifyInOwnTransaction(GVariant* candidate, const std::string& id);
 

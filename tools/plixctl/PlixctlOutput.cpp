@@ -93,6 +93,39 @@ void PlixctlOutput::setDone(const std::vector<std::string>& ids, const char* how
          (ids.size() == 1 ? " value" : " values"));
 }
 
+void PlixctlOutput::notStored(const std::vector<std::string>& ids, const std::string& file,
+                              const std::string& error)
+{
+    if (mJson) {
+        line(nlohmann::ordered_json{{"status", PlixctlStatus::notStoredCode},
+                                    {"ids", ids},
+                                    {"mode", "applied, but not stored"},
+                                    {"file", file},
+                                    {"error", error}}
+                 .dump());
+        return;
+    }
+    line("applied, but not stored: " + file + ": " + error);
+}
+
+void PlixctlOutput::storeStatus(const std::vector<PlixctlStoreFailure>& failing)
+{
+    if (mJson) {
+        auto files = nlohmann::ordered_json::array();
+        for (const auto& failure : failing) {
+            files.push_back({{"file", failure.file}, {"error", failure.error}});
+        }
+        line(nlohmann::ordered_json{{"all_written", failing.empty()}, {"failing", files}}.dump());
+        return;
+    }
+    if (failing.empty()) {
+        line("all store files written");
+    }
+    for (const auto& failure : failing) {
+        line("not stored: " + failure.file + ": " + failure.error);
+    }
+}
+
 void PlixctlOutput::verifyMatched(const std::string& id)
 {
     line(mJson ? nlohmann::ordered_json{{"id", id}, {"status", 0}, {"match", true}}.dump()

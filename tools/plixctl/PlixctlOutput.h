@@ -22,6 +22,11 @@ public:
     // The report of a successful set: what was set and how.
     void setDone(const std::vector<std::string>& ids, const char* how);
     void verifyMatched(const std::string& id);
+    // The report of a set that took effect but whose store file could not be
+    // written.
+    void notStored(const std::vector<std::string>& ids, const std::string& file,
+                   const std::string& error);
+    void storeStatus(const std::vector<PlixctlStoreFailure>& failing);
     // One change seen by the monitor; a null value is a password.
     void change(const std::string& id, GVariant* value, bool persistent);
     // A change whose value could not be read.

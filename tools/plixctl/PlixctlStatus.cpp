@@ -24,6 +24,7 @@ const std::map<int, PlixctlCode>& codes()
          {PlixctlStatus::actionFailed,
           "a change action's command or system-configuration call failed"}},
         {15, {PlixctlStatus::readOnly, "the value lives in a read-only file"}},
+        {17, {PlixctlStatus::notStored, "applied, but a store file could not be written"}},
         {200, {PlixctlStatus::invalidValue, "type mismatch on set, or value not allowed"}},
         {201, {PlixctlStatus::verifyMismatch, "verify: the candidate differs"}},
         {203, {PlixctlStatus::invalidValue, "the main port equals the HTTP port"}},
@@ -66,5 +67,7 @@ std::string PlixctlStatus::table()
            "  6   the value lives in a read-only file (code 15)\n"
            "  7   a change action failed (codes 10, 13, 401, 402)\n"
            "  8   any other code of the service\n"
+           "  9   set: applied, but a store file could not be written (code 17);\n"
+           "      status: a store file is not written\n"
            "  64  usage error\n";
 }

@@ -17,7 +17,11 @@ public:
     static constexpr int readOnly = 6;
     static constexpr int actionFailed = 7;
     static constexpr int otherCode = 8;
+    static constexpr int notStored = 9;
     static constexpr int usageError = 64;
+    // The service's answer to a set applied but not written to its store
+    // file (the monitor interface's Apply only).
+    static constexpr int notStoredCode = 17;
 
     // 0 and 1 (a set that replaced an earlier one) are success.
     static int exitStatusOf(int code);

@@ -25,6 +25,8 @@ int runCommand(const PlixctlArguments& arguments, PlixctlBusClient& client, Plix
         return commands.verify(operands[0], operands[1]);
     case Command::monitor:
         return PlixctlMonitor(client, output).run();
+    case Command::status:
+        return commands.status();
     case Command::none:
         break;
     }

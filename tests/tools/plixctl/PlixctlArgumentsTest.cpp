@@ -101,6 +101,7 @@ TEST(PlixctlArgumentsTest, MistakesAreNamed)
     EXPECT_EQ(parse({"list", "--address"}).error(), "--address needs a bus address");
     EXPECT_EQ(parse({"list", "a/x"}).error(), "this command takes no operands");
     EXPECT_EQ(parse({"monitor", "a/x"}).error(), "this command takes no operands");
+    EXPECT_EQ(parse({"status", "a/x"}).error(), "this command takes no operands");
     EXPECT_EQ(parse({"get"}).error(), "get needs at least one XML-ID");
     EXPECT_EQ(parse({"verify", "a/x"}).error(), "verify needs an XML-ID and a value");
     EXPECT_EQ(parse({"set"}).error(), "set needs at least one ID=VALUE");
@@ -111,4 +112,18 @@ TEST(PlixctlArgumentsTest, MistakesAreNamed)
 TEST(PlixctlArgumentsTest, UsageShowsTheExitStatusTable)
 {
     EXPECT_NE(PlixctlArguments::usage().find("  64  usage error\n"), std::string::npos);
+}
+
+TEST(PlixctlArgumentsTest, StatusIsACommand)
+{
+    const auto arguments = parse({"status"});
+    EXPECT_EQ(arguments.error(), "");
+    EXPECT_EQ(arguments.command(), PlixctlArguments::Command::status);
+}
+
+TEST(PlixctlArgumentsTest, UsageShowsTheExitStatusOfAChangeNotStored)
+{
+    EXPECT_NE(PlixctlArguments::usage().find(
+                  "  9   set: applied, but a store file could not be written (code 17);\n"),
+              std::string::npos);
 }

@@ -127,3 +127,47 @@ TEST(PlixctlOutputTest, SetReportCountsTheValues)
     EXPECT_EQ(json.out.str(),
               "{\"status\":0,\"ids\":[\"a/x\",\"a/y\"],\"mode\":\"applied transiently\"}\n");
 }
+
+TEST(PlixctlOutputTest, ChangeNotStoredNamesTheFileAndTheError)
+{
+    PlixctlCapture capture(false);
+    capture.output.notStored({"a/x"}, "/data/main.json", "No space left on device");
+    EXPECT_EQ(capture.out.str(),
+              "applied, but not stored: /data/main.json: No space left on device\n");
+    EXPECT_EQ(capture.err.str(), "");
+}
+
+TEST(PlixctlOutputTest, ChangeNotStoredAsJson)
+{
+    PlixctlCapture capture(true);
+    capture.output.notStored({"a/x"}, "/data/main.json", "No space left on device");
+    EXPECT_EQ(capture.out.str(),
+              "{\"status\":17,\"ids\":[\"a/x\"],\"mode\":\"applied, but not stored\","
+              "\"file\":\"/data/main.json\",\"error\":\"No space left on device\"}\n");
+}
+
+TEST(PlixctlOutputTest, StoreStatusWithEveryFileWritten)
+{
+    PlixctlCapture text(false);
+    text.output.storeStatus({});
+    EXPECT_EQ(text.out.str(), "all store files written\n");
+    PlixctlCapture json(true);
+    json.output.storeStatus({});
+    EXPECT_EQ(json.out.str(), "{\"all_written\":true,\"failing\":[]}\n");
+}
+
+TEST(PlixctlOutputTest, StoreStatusListsEachFailingFile)
+{
+    const std::vector<PlixctlStoreFailure> failing{{"/data/a.json", "No space left on device"},
+                                                   {"/data/b.json", "Read-only file system"}};
+    PlixctlCapture text(false);
+    text.output.storeStatus(failing);
+    EXPECT_EQ(text.out.str(), "not stored: /data/a.json: No space left on device\n"
+                              "not stored: /data/b.json: Read-only file system\n");
+    PlixctlCapture json(true);
+    json.output.storeStatus(failing);
+    EXPECT_EQ(json.out.str(),
+              "{\"all_written\":false,\"failing\":["
+              "{\"file\":\"/data/a.json\",\"error\":\"No space left on device\"},"
+              "{\"file\":\"/data/b.json\",\"error\":\"Read-only file system\"}]}\n");
+}

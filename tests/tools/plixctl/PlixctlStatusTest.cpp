@@ -11,8 +11,8 @@ TEST(PlixctlStatusTest, SuccessAndReplacedSetExit0)
 TEST(PlixctlStatusTest, EveryCodeOfTheServiceHasItsExitStatus)
 {
     const std::vector<std::pair<int, int>> expected{
-        {4, 3},   {8, 3},   {9, 4},  {11, 5},  {200, 5}, {203, 5}, {204, 5}, {205, 5},
-        {206, 5}, {207, 5}, {15, 6}, {201, 1}, {10, 7},  {13, 7},  {401, 7}, {402, 7}};
+        {4, 3},   {8, 3},  {9, 4},   {11, 5}, {200, 5}, {203, 5}, {204, 5}, {205, 5}, {206, 5},
+        {207, 5}, {15, 6}, {201, 1}, {10, 7}, {13, 7},  {401, 7}, {402, 7}, {17, 9}};
     for (const auto& [code, status] : expected) {
         EXPECT_EQ(PlixctlStatus::exitStatusOf(code), status) << "code " << code;
     }
