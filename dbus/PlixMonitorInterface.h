@@ -9,9 +9,10 @@
 // "com.orvanta.plix.Monitor" at "/plix", beside the configuration interface:
 // the list of values with their types, many transient reads or one whole
 // transaction in a single call, the store files that could not be written,
-// and the signal ValuesChanged after every change that took effect. Every answer comes from the engine's public
-// operations, so codes and log lines are the engine's own; the signal
-// carries XML-IDs only, never values, since the system bus is shared.
+// and the signal ValuesChanged after every change that took effect. Every
+// answer comes from the engine's public operations, so codes and log lines
+// are the engine's own; the signal carries XML-IDs only, never values, since
+// the system bus is shared.
 //
 // It is published only once the engine is configured: its configure() runs
 // after the configuration interface's and exports it on that interface's
