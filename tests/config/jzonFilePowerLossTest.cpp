@@ -87,9 +87,10 @@ std::chrono::microseconds timeOfOneWrite(const std::string& path)
 {
     jzonFile file(path);
     EXPECT_TRUE(file.read());
+    std::string error;
     const Clock::time_point start = Clock::now();
     for (int i = 0; i < kTimedWrites; ++i) {
-        EXPECT_TRUE(file.write());
+        EXPECT_TRUE(file.write(error)) << error;
     }
     return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start) /
            kTimedWrites;

@@ -111,7 +111,7 @@ TEST_F(Introspection, CtrlShowsQuitAndInitAsNoReplyMethods)
     }
 }
 
-TEST_F(Introspection, PlixShowsTheMonitorsThreeMethodsAndItsSignal)
+TEST_F(Introspection, PlixShowsTheMonitorsFourMethodsAndItsSignal)
 {
     const auto node = parse(client().introspect("/plix"));
     ASSERT_TRUE(node);
@@ -121,7 +121,8 @@ TEST_F(Introspection, PlixShowsTheMonitorsThreeMethodsAndItsSignal)
     EXPECT_EQ(methodsOf(monitor),
               (std::vector<std::string>{
                   "ListValues()->(values:a(sssb))", "GetValues(ids:as)->(message:i,values:a{sv})",
-                  "Apply(changes:a{sv},persistent:b)->(message:i,failed_id:s)"}));
+                  "Apply(changes:a{sv},persistent:b)->(message:i,failed_id:s)",
+                  "StoreStatus()->(all_written:b,failing:a(ss))"}));
     EXPECT_EQ(signalsOf(monitor), (std::vector<std::string>{"ValuesChanged(ids:as,persistent:b)"}));
     EXPECT_TRUE(monitor->properties == nullptr || monitor->properties[0] == nullptr);
 }
