@@ -12,6 +12,7 @@ public:
     explicit PlixValueOnChangeWriteToFile(PlixValue& value);
 
     void setPathToFile(std::string path) { pathToFile = std::move(path); }
+    const std::string& getPathToFile() const { return pathToFile; }
 
     unsigned onChange() override;
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace {
 // Every tag is this long, so the tag and the text share one buffer.
@@ -23,11 +24,21 @@ PlixSystemLog& systemLog()
     return *log;
 }
 
+PlixLogSink& logSink()
+{
+    static PlixLogSink sink;
+    return sink;
+}
+
 // Writes the line that begins at line (tag, text, room for the line feed)
 // to the system log and to standard output in one write.
 void emit(int priority, char* line, std::size_t textLength)
 {
     char* text = line + tagLength;
+    if (logSink()) {
+        logSink()(priority, std::string(text, textLength));
+        return;
+    }
     const std::string notice = systemLog().write(priority, text, textLength);
     if (!notice.empty()) {
         std::fprintf(stdout, "%s%s\n", plixLogTag(LOG_NOTICE), notice.c_str());
@@ -82,10 +93,18 @@ void plixLog(int priority, const char* format, ...)
 
 void plixTrace(const char* format, ...)
 {
+    if (logSink()) {
+        return;
+    }
     va_list args;
     va_start(args, format);
     std::vfprintf(stdout, format, args);
     va_end(args);
+}
+
+void plixSetLogSink(PlixLogSink sink)
+{
+    logSink() = std::move(sink);
 }
 
 void plixLineBufferedOutput()

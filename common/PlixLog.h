@@ -2,6 +2,9 @@
 
 #include <syslog.h>
 
+#include <functional>
+#include <string>
+
 // Every message of the service goes to the system log (default identity and
 // facility) and then to standard output as a level tag, the same text and a
 // line feed, so a supervisor reading the pipe sees what syslog sees. A
@@ -20,3 +23,10 @@ const char* plixLogTag(int priority);
 // Makes standard output line-buffered, so each line leaves the process at
 // once; called first thing in main.
 void plixLineBufferedOutput();
+
+// Takes every message in place of the system log and standard output, and
+// silences the trace lines: a program that loads the configuration to check
+// it gathers the service's messages instead of printing them. An empty sink
+// restores the normal output.
+using PlixLogSink = std::function<void(int priority, const std::string& text)>;
+void plixSetLogSink(PlixLogSink sink);

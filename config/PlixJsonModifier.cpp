@@ -2,8 +2,8 @@
 
 #include "PlixDataSet.h"
 #include "PlixFile.h"
+#include "PlixLoadReport.h"
 #include "PlixLog.h"
-#include "PlixShutDown.h"
 #include "PlixValue.h"
 #include "jzonFile.h"
 #include "PlixNumber.h"
@@ -59,17 +59,21 @@ bool contentOfNode(const Jzon::Node& node, const std::string& type, PlixVariant&
 }
 } // namespace
 
-PlixJsonModifier::PlixJsonModifier() = default;
+PlixJsonModifier::PlixJsonModifier() : report(&PlixLoadReport::service())
+{
+}
 
 PlixJsonModifier::~PlixJsonModifier() = default;
 
 void PlixJsonModifier::add_panel_file(PlixFile* file)
 {
+    report->readingFile(*file);
     auto document = std::make_unique<jzonFile>(file->getPath());
     if (!document->read()) {
         plixLog(LOG_ERR, "cannot open .json file: %s under path %s", file->getName().c_str(),
                 file->getPath().c_str());
-        plixShutDown(1);
+        report->stop(1);
+        return;
     }
     recordsByName[file->getName()].push_back(records.size());
     records.push_back(Panel_file{file, std::move(document), PlixRewriteAttempts(file->getPath())});
@@ -100,6 +104,7 @@ int PlixJsonModifier::get_value(PlixValue* value)
 
 void PlixJsonModifier::readFrom(Panel_file& record, PlixValue* value)
 {
+    report->readingValue(*value);
     std::string jpath = value->getJPath();
     Jzon::Node* node = record.document->findNode(jpath);
     plixLog(LOG_NOTICE, "Read json value under path: %s", jpath.c_str());
@@ -108,7 +113,8 @@ void PlixJsonModifier::readFrom(Panel_file& record, PlixValue* value)
                 record.file->getName().c_str(), jpath.c_str());
         plixLog(LOG_ERR, "Wrong Path was declared in config-xml under %s/%s",
                 value->getDataSet().getName().c_str(), value->getName().c_str());
-        plixShutDown(5);
+        report->stop(5);
+        return;
     }
     value->setJsonNode(node);
     PlixVariant content;

@@ -9,6 +9,7 @@
 #include <vector>
 
 class PlixFile;
+class PlixLoadReport;
 class PlixValue;
 class jzonFile;
 
@@ -29,10 +30,13 @@ public:
     PlixJsonModifier(const PlixJsonModifier&) = delete;
     PlixJsonModifier& operator=(const PlixJsonModifier&) = delete;
 
-    // Reads the file's document; a file that cannot be read or parsed ends
-    // the process with status 1.
+    // The report that hears what stops the loading; the service's own until
+    // another is given.
+    void setLoadReport(PlixLoadReport& report) { this->report = &report; }
+    // Reads the file's document; a file that cannot be read or parsed stops
+    // the loading with status 1.
     void add_panel_file(PlixFile* file);
-    // Reads one value's initial content; a missing jpath ends the process
+    // Reads one value's initial content; a missing jpath stops the loading
     // with status 5. Returns 0.
     int get_value(PlixValue* value);
     // Writes every changed file that is not "read_only". A file that cannot
@@ -59,4 +63,5 @@ private:
     // from every file of its data set's file name without comparing its
     // name with every declared file's.
     std::unordered_map<std::string, std::vector<std::size_t>> recordsByName;
+    PlixLoadReport* report;
 };

@@ -3,8 +3,8 @@
 #include "PlixDataSet.h"
 #include "PlixFile.h"
 #include "PlixJsonModifier.h"
+#include "PlixLoadReport.h"
 #include "PlixLog.h"
-#include "PlixShutDown.h"
 #include "PlixXML_Attributes.h"
 
 #include <expat.h>
@@ -35,12 +35,14 @@ bool is(const char* name, const char* element)
 } // namespace
 
 PlixXML_Parser::PlixXML_Parser(std::string path, std::string unused, ValueTable* values,
-                               PlixJsonModifier* jsonModifier, std::vector<PlixDataSet*>* dataSets)
+                               PlixJsonModifier* jsonModifier, std::vector<PlixDataSet*>* dataSets,
+                               PlixLoadReport* report)
     : path(std::move(path)), unused(std::move(unused)), values(values), jsonModifier(jsonModifier),
-      dataSets(dataSets)
+      dataSets(dataSets), report(report != nullptr ? *report : PlixLoadReport::service())
 {
-    readFile();
-    parse_XML();
+    if (readFile()) {
+        parse_XML();
+    }
     releaseParseState();
     for (auto& file : files) {
         this->jsonModifier->add_panel_file(file.get());
@@ -62,12 +64,13 @@ void PlixXML_Parser::releaseParseState()
     }
 }
 
-void PlixXML_Parser::readFile()
+bool PlixXML_Parser::readFile()
 {
     std::FILE* file = std::fopen(path.c_str(), "r");
     if (file == nullptr) {
         plixLog(LOG_ERR, "Failed to open xml file %s", path.c_str());
-        plixShutDown(1);
+        report.stop(1);
+        return false;
     }
     char chunk[65536];
     std::size_t got = 0;
@@ -75,6 +78,7 @@ void PlixXML_Parser::readFile()
         buffer.append(chunk, got);
     }
     std::fclose(file);
+    return true;
 }
 
 int PlixXML_Parser::parse_XML()
@@ -91,10 +95,11 @@ int PlixXML_Parser::parse_XML()
     expat = nullptr;
     if (pendingExit != 0) {
         parser.reset();
-        plixShutDown(pendingExit);
+        report.stop(pendingExit);
     }
     if (status == XML_STATUS_ERROR) {
-        plixTrace("Error: %s\n", XML_ErrorString(XML_GetErrorCode(parser.get())));
+        report.malformed(static_cast<long>(XML_GetErrorLineNumber(parser.get())),
+                         XML_ErrorString(XML_GetErrorCode(parser.get())));
     }
     parser.reset();
     changeActions.warnAboutRefusedCommands();
@@ -118,6 +123,8 @@ void PlixXML_Parser::start_element(const char* name, const char** attributes)
     } else if (is(name, "onChange")) {
         changeActions.build(attributes, position);
     }
+    report.afterStartTag(static_cast<long>(XML_GetCurrentLineNumber(expat)), name, attributes,
+                         position);
 }
 
 void PlixXML_Parser::end_element(const char* name)
@@ -125,6 +132,7 @@ void PlixXML_Parser::end_element(const char* name)
     if (pendingExit != 0) {
         return;
     }
+    report.atEndTag(static_cast<long>(XML_GetCurrentLineNumber(expat)));
     if (is(name, "Panel_file") && !files.empty()) {
         files.back()->setPath(text);
     } else if (is(name, "jpath")) {
@@ -233,10 +241,12 @@ void PlixXML_Parser::endFile()
 
 // The process must not end from inside expat's C frames (an intercepted exit
 // may unwind), so the parser is stopped and the exit follows once it returns.
+// A report that goes on after a stop lets the parse go on too.
 void PlixXML_Parser::stopLoading(int status)
 {
-    if (expat == nullptr) {
-        plixShutDown(status);
+    if (expat == nullptr || report.goesOnAfterStop()) {
+        report.stop(status);
+        return;
     }
     pendingExit = status;
     XML_StopParser(expat, XML_FALSE);

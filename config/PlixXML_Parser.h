@@ -13,6 +13,7 @@
 class PlixDataSet;
 class PlixFile;
 class PlixJsonModifier;
+class PlixLoadReport;
 class PlixValueValidator;
 class PlixDatasetValidator;
 class PlixValueOnChangeHandler;
@@ -28,8 +29,11 @@ class PlixXML_Parser
 public:
     using ValueTable = PlixValueTable;
 
+    // The report hears what stops the loading and where the loader stands;
+    // the service's report ends the process at a stop.
     PlixXML_Parser(std::string path, std::string unused, ValueTable* values,
-                   PlixJsonModifier* jsonModifier, std::vector<PlixDataSet*>* dataSets);
+                   PlixJsonModifier* jsonModifier, std::vector<PlixDataSet*>* dataSets,
+                   PlixLoadReport* report = nullptr);
     virtual ~PlixXML_Parser();
     PlixXML_Parser(const PlixXML_Parser&) = delete;
     PlixXML_Parser& operator=(const PlixXML_Parser&) = delete;
@@ -40,7 +44,7 @@ public:
     void handle_data(const char* data, int length);
 
 private:
-    void readFile();
+    bool readFile();
     void startPanelFile(const char** attributes);
     void startDataSet(const char** attributes);
     void startValue(const char** attributes);
@@ -66,6 +70,7 @@ private:
     std::unordered_map<std::string, PlixValue*> valuesByJPath;
     PlixValidationBuilder validations;
     PlixOnChangeBuilder changeActions;
+    PlixLoadReport& report;
     // While expat runs, a fatal declaration stops it and the exit waits until
     // control is back out of expat's frames.
     XML_ParserStruct* expat = nullptr;

@@ -5,6 +5,7 @@
 #include "PlixCommit.h"
 #include "PlixDataSet.h"
 #include "PlixExit.h"
+#include "PlixLoadReport.h"
 #include "PlixLog.h"
 #include "PlixMemory.h"
 #include "PlixValueInput.h"
@@ -19,7 +20,6 @@ namespace {
 // The client name the idle engine holds; no bus name looks like it.
 const char* const idleClient = "-";
 const char* const programName = "dbus-ex-plix";
-const char* const defaultConfigPath = "/etc/orvanta/plix/plix_config.xml";
 // The value table is filled once at start-up; this is its initial size.
 constexpr std::size_t valueTableBuckets = 11;
 // How often a store file that could not be written is tried again.
@@ -62,22 +62,28 @@ void Plix::configure(int argc, char** argv)
         plixLog(LOG_INFO, "No XML-file specified for Plix. Taking default XML-file, path: %s",
                 xmlConfigPath.c_str());
     }
-    // The model is built once; later calls only re-read the stored values.
-    if (!configured) {
-        xmlParser = std::make_unique<PlixXML_Parser>(xmlConfigPath, "not_created_yet", &values,
-                                                     &jsonModifier, &dataSets);
-        for (std::size_t position = 0; position < dataSets.size(); ++position) {
-            declarationOrder.emplace(dataSets[position], position);
-        }
-        configured = true;
-    }
-    readValuesFromJson();
+    load(xmlConfigPath, PlixLoadReport::service());
     // Loading reads whole files into memory and frees them again; without a
     // trim those pages would stay with the idle service for its whole run.
     plixReleaseFreedMemory();
     if (triggerOnStart) {
         triggerOnChange();
     }
+}
+
+// The model is built once; later calls only re-read the stored values.
+void Plix::load(const std::string& path, PlixLoadReport& report)
+{
+    jsonModifier.setLoadReport(report);
+    if (!configured) {
+        xmlParser = std::make_unique<PlixXML_Parser>(path, "not_created_yet", &values,
+                                                     &jsonModifier, &dataSets, &report);
+        for (std::size_t position = 0; position < dataSets.size(); ++position) {
+            declarationOrder.emplace(dataSets[position], position);
+        }
+        configured = true;
+    }
+    readValuesFromJson();
 }
 
 void Plix::print_usage()

@@ -15,6 +15,7 @@
 #include <vector>
 
 class PlixDataSet;
+class PlixLoadReport;
 class PlixXML_Parser;
 
 // The one engine of the service: owns the configuration model and serves one
@@ -25,6 +26,8 @@ class Plix
 {
 public:
     using ValueMap = PlixValueTable;
+    // The configuration file the service reads when no -c names another.
+    static constexpr const char* defaultConfigPath = "/etc/orvanta/plix/plix_config.xml";
     // Told after every change that took effect: a commit that changed values
     // (their XML-IDs in the order of the transaction, and its persistent
     // flag) and a transient set (its XML-ID, persistent false).
@@ -38,6 +41,13 @@ public:
     Plix& operator=(const Plix&) = delete;
 
     void configure(int argc, char** argv);
+    // Builds the model from the XML file at path, the first time only, and
+    // reads every stored value, as the service does at start-up; the report
+    // hears what stops the loading and where the loader stands.
+    void load(const std::string& path, PlixLoadReport& report);
+    // The model that load built.
+    ValueMap& declaredValues() { return values; }
+    const std::vector<PlixDataSet*>& declaredDataSets() const { return dataSets; }
     [[noreturn]] void print_usage();
 
     int transactionStart(std::string client, bool persistent);

@@ -162,7 +162,7 @@ bool PlixPassword::operator==(std::string candidate) const
     }
     // A stored form without room for its salt (an empty one included, when
     // the candidate is not empty) cannot be checked; the caller decides.
-    if (hashedPassword.size() < saltHexLength) {
+    if (!holdsSalt() || hashedPassword.empty()) {
         throw std::out_of_range("basic_string::substr");
     }
     const std::string saltHex = hashedPassword.substr(hashedPassword.size() - saltHexLength);
@@ -176,6 +176,11 @@ bool PlixPassword::operator==(std::string candidate) const
     // Constant time, so the time taken tells nothing about how much matched.
     return digest.size() == stored.size() &&
            CRYPTO_memcmp(digest.data(), stored.data(), stored.size()) == 0;
+}
+
+bool PlixPassword::holdsSalt() const
+{
+    return hashedPassword.empty() || hashedPassword.size() >= saltHexLength;
 }
 
 std::string PlixPassword::getHashedPassword() const

@@ -23,6 +23,9 @@ public:
     bool operator==(std::string candidate) const;
 
     std::string getHashedPassword() const;
+    // False for a stored form too short to end with its salt, which no
+    // candidate can be checked against (the empty form is no such form).
+    bool holdsSalt() const;
     int getPlainTextLength() const;
 
     std::string hash(std::string text, std::string salt) const;

@@ -15,6 +15,7 @@ const std::map<std::string, PlixctlArguments::Command>& commands()
         {"verify", PlixctlArguments::Command::verify},
         {"monitor", PlixctlArguments::Command::monitor},
         {"status", PlixctlArguments::Command::status},
+        {"check", PlixctlArguments::Command::check},
     };
     return names;
 }
@@ -100,6 +101,8 @@ void PlixctlArguments::check()
         mError = "this command takes no operands";
     } else if (mCommand == Command::get && count == 0) {
         mError = "get needs at least one XML-ID";
+    } else if (mCommand == Command::check && count > 1) {
+        mError = "check takes at most one FILE";
     } else if (mCommand == Command::verify && count != 2) {
         mError = "verify needs an XML-ID and a value";
     } else if (mCommand == Command::set) {
@@ -133,6 +136,11 @@ std::string PlixctlArguments::usage()
            "  monitor                   prints each change (ID=VALUE) until interrupted\n"
            "  status                    the store files that could not be written, each\n"
            "                            with its error; the service retries them\n"
+           "  check [FILE]              checks the configuration FILE (default\n"
+           "                            /etc/orvanta/plix/plix_config.xml) and its JSON\n"
+           "                            files without the service, one problem a line;\n"
+           "                            exits 0 when it is sound, 1 when the service would\n"
+           "                            not start on it, 2 when it would start with problems\n"
            "\n"
            "A VALUE is read as the value's declared type: int, double (or float),\n"
            "bool (true, false, 1, 0), anything else as text. For a password value a\n"

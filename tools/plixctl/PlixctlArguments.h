@@ -8,7 +8,7 @@
 class PlixctlArguments
 {
 public:
-    enum class Command { none, list, get, set, verify, monitor, status };
+    enum class Command { none, list, get, set, verify, monitor, status, check };
     // How "set" writes: one persistent transaction, one transaction kept in
     // memory only, or the transient setters one by one.
     enum class SetMode { persistent, noPersist, transient };

@@ -1,5 +1,7 @@
 #include "PlixctlArguments.h"
+#include "Plix.h"
 #include "PlixctlBusClient.h"
+#include "PlixctlCheck.h"
 #include "PlixctlCommands.h"
 #include "PlixctlMonitor.h"
 #include "PlixctlOutput.h"
@@ -27,6 +29,7 @@ int runCommand(const PlixctlArguments& arguments, PlixctlBusClient& client, Plix
         return PlixctlMonitor(client, output).run();
     case Command::status:
         return commands.status();
+    case Command::check:
     case Command::none:
         break;
     }
@@ -45,6 +48,11 @@ int main(int argc, char** argv)
     }
     if (!arguments.error().empty()) {
         return output.usageError(arguments.error());
+    }
+    if (arguments.command() == PlixctlArguments::Command::check) {
+        const auto& operands = arguments.operands();
+        return PlixctlCheck::run(operands.empty() ? Plix::defaultConfigPath : operands[0],
+                                 arguments.json(), std::cout);
     }
     PlixctlBusClient client;
     if (!client.connect(arguments.address())) {
