@@ -86,8 +86,7 @@ void PlixctlActionChecks::checkDataSetActions(const PlixDataSet& dataSet, bool r
             report.file(readOnlyAction);
         }
         if (const auto* execute = dynamic_cast<const PlixDataSetOnChangeExecute*>(handler)) {
-            checkPlaceholders(execute->getCommand(), names,
-                              "it names no member of the data set");
+            checkPlaceholders(execute->getCommand(), names, "it names no member of the data set");
         }
     }
 }
@@ -101,8 +100,8 @@ void PlixctlActionChecks::checkPlaceholders(const std::string& command,
          position = command.find('%', position + 1)) {
         const std::string placeholder = placeholderAt(command, position);
         if (placeholder.size() > 1 && !namesOneOf(command, position, names)) {
-            report.file("the Execute placeholder \"" + placeholder + "\" is never filled in: " +
-                        filled);
+            report.file("the Execute placeholder \"" + placeholder +
+                        "\" is never filled in: " + filled);
         }
     }
 }
@@ -112,7 +111,9 @@ void PlixctlActionChecks::checkDirectory(const std::string& path)
     const std::size_t slash = path.rfind('/');
     const std::string directory =
         slash == std::string::npos ? "." : (slash == 0 ? "/" : path.substr(0, slash));
-    struct stat status{};
+    struct stat status
+    {
+    };
     if (stat(directory.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) {
         report.file("the directory \"" + directory + "\" of the WriteToFile file \"" + path +
                     "\" does not exist: the action cannot write the file");

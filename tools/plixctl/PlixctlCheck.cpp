@@ -26,9 +26,8 @@ class Gathering
 public:
     explicit Gathering(PlixctlCheckReport& report)
     {
-        plixSetLogSink([&report](int priority, const std::string& text) {
-            report.logged(priority, text);
-        });
+        plixSetLogSink(
+            [&report](int priority, const std::string& text) { report.logged(priority, text); });
         plixSetExitHandler(throwExit);
     }
     ~Gathering()

@@ -232,8 +232,8 @@ void PlixctlCheckReport::noteDefault(const char** attributes, const PlixXML_Posi
     plixForEachAttributeNamed(attributes, "default", [&](const char* text) {
         if (!defaultFits(type, text)) {
             here.subject = xmlIdOf(*position.value);
-            file("the default \"" + std::string(text) + "\" cannot be taken by the type \"" +
-                 type + "\"");
+            file("the default \"" + std::string(text) + "\" cannot be taken by the type \"" + type +
+                 "\"");
         }
     });
 }

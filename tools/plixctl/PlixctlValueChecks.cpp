@@ -33,7 +33,8 @@ void PlixctlValueChecks::run(const std::vector<PlixDataSet*>& dataSets)
     for (PlixDataSet* dataSet : dataSets) {
         std::vector<const PlixValue*> seen;
         for (PlixValue* value : dataSet->getValues()) {
-            if (!report.unread(*value) && std::find(seen.begin(), seen.end(), value) == seen.end()) {
+            if (!report.unread(*value) &&
+                std::find(seen.begin(), seen.end(), value) == seen.end()) {
                 seen.push_back(value);
                 checkValue(*value);
             }
@@ -54,7 +55,8 @@ void PlixctlValueChecks::checkValue(PlixValue& value)
 void PlixctlValueChecks::checkContent(const PlixValue& value)
 {
     const std::string type = value.getValueType();
-    const std::string clause = hasContent(value) ? "" : std::string(": it has no content, ") + noContent;
+    const std::string clause =
+        hasContent(value) ? "" : std::string(": it has no content, ") + noContent;
     if (!knownType(type)) {
         report.file("the type \"" + type + "\" is not one the service knows" + clause);
     } else if (!hasContent(value) && value.getDataSet().getFile() == nullptr && value.inJson()) {
@@ -64,7 +66,8 @@ void PlixctlValueChecks::checkContent(const PlixValue& value)
                     "\"" + clause);
     } else if (!hasContent(value)) {
         report.file("its default was not converted by the type (a default written before the "
-                    "type is converted by no type)" + clause);
+                    "type is converted by no type)" +
+                    clause);
     }
 }
 
@@ -97,8 +100,8 @@ void PlixctlValueChecks::checkValidator(PlixValue& value)
     report.discardLogged();
     const unsigned result = value.setWantedSetValue(value.getValue());
     if (result != 0) {
-        report.file("the stored value is refused by its validator (code " +
-                    std::to_string(result) + ")");
+        report.file("the stored value is refused by its validator (code " + std::to_string(result) +
+                    ")");
     }
     report.discardLogged();
 }

@@ -127,3 +127,11 @@ TEST(PlixctlArgumentsTest, UsageShowsTheExitStatusOfAChangeNotStored)
                   "  9   set: applied, but a store file could not be written (code 17);\n"),
               std::string::npos);
 }
+
+TEST(PlixctlArgumentsTest, CheckTakesAtMostOneFile)
+{
+    EXPECT_EQ(parse({"check"}).command(), Command::check);
+    EXPECT_EQ(parse({"--json", "check", "/tmp/p.xml"}).operands(),
+              (std::vector<std::string>{"/tmp/p.xml"}));
+    EXPECT_EQ(parse({"check", "a.xml", "b.xml"}).error(), "check takes at most one FILE");
+}
