@@ -90,40 +90,63 @@ private:
 };
 } // namespace
 
-using CommitSyscallOrder = PlixIntegrationTest;
+class CommitSyscallOrder : public PlixIntegrationTest
+{
+protected:
+    // Traces one persistent commit of the service on xml and checks its
+    // calls; the store file's writes land as storeFile, whatever the path
+    // the configuration names (a link) leads there.
+    void expectDurableBeforeTheReply(const std::string& xml, const std::string& storeFile)
+    {
+        const std::string trace = dir().file("commit.strace");
+        const std::string wrapper =
+            std::string(PLIX_STRACE) + " -f -qq -y -s 400 -e trace=" + kTraced + " -o " + trace;
+        PlixServiceProcess& service = start({"-c", xml}, {{"PLIX_SERVICE_WRAPPER", wrapper}});
+        ASSERT_TRUE(waitServing(service)) << tail(service);
+        PlixBusClient& client = newClient();
+        ASSERT_EQ(client.transactionStart(true), 0);
+        ASSERT_EQ(client.setInt("general/count", 77), 0);
+        ASSERT_EQ(client.transactionStop(), 0);
+
+        // strace shows each descriptor with its file's real path.
+        const std::string store = std::filesystem::canonical(storeFile).string();
+        const std::string directory = std::filesystem::path(store).parent_path().string();
+        const std::string fresh = store + ".plix-new";
+        const PlixCallIndex calls(completedCalls(PlixTestDir::readFile(trace)));
+        const long renamed = calls.before(calls.size(), "rename",
+                                          {"\"" + fresh + "\", ", "\"" + store + "\")", " = 0"});
+        ASSERT_GE(renamed, 0) << "no rename of the new file over the store file";
+        const long synced = calls.before(renamed, "fsync(", {"<" + fresh + ">)", " = 0"});
+        const long written = calls.before(synced, "write(", {"<" + fresh + ">,"});
+        const long opened = calls.before(written, "openat(", {"\"" + fresh + "\"", "O_CREAT"});
+        const long directorySynced =
+            calls.after(renamed, "fsync(", {"<" + directory + ">)", " = 0"});
+        // The reply carries the client's unique name as its destination.
+        const long replied = calls.after(opened, "sendmsg(", {client.uniqueName() + "\\0"});
+        EXPECT_GE(opened, 0) << "the new file is not created before it is written";
+        EXPECT_GE(written, 0) << "the new file is not written before it is synced";
+        EXPECT_GE(synced, 0) << "the new file is not synced before the rename";
+        EXPECT_GT(directorySynced, renamed) << "the directory is not synced after the rename";
+        EXPECT_GT(replied, directorySynced) << "the reply is sent before the directory is synced";
+    }
+
+    void SetUp() override
+    {
+        PlixIntegrationTest::SetUp();
+        if (access(PLIX_STRACE, X_OK) != 0) {
+            GTEST_SKIP() << "strace is not installed (Debian package strace): " << PLIX_STRACE;
+        }
+    }
+};
 
 TEST_F(CommitSyscallOrder, NewFileSyncedRenamedAndDirectorySyncedBeforeTheReply)
 {
-    if (access(PLIX_STRACE, X_OK) != 0) {
-        GTEST_SKIP() << "strace is not installed (Debian package strace): " << PLIX_STRACE;
-    }
-    const std::string trace = dir().file("commit.strace");
-    const std::string wrapper =
-        std::string(PLIX_STRACE) + " -f -qq -y -s 400 -e trace=" + kTraced + " -o " + trace;
-    PlixServiceProcess& service = start({"-c", writeConfig()}, {{"PLIX_SERVICE_WRAPPER", wrapper}});
-    ASSERT_TRUE(waitServing(service)) << tail(service);
-    PlixBusClient& client = newClient();
-    ASSERT_EQ(client.transactionStart(true), 0);
-    ASSERT_EQ(client.setInt("general/count", 77), 0);
-    ASSERT_EQ(client.transactionStop(), 0);
+    expectDurableBeforeTheReply(writeConfig(), dir().file("store.json"));
+}
 
-    // strace shows each descriptor with its file's real path.
-    const std::string directory = std::filesystem::canonical(dir().path()).string();
-    const std::string store = directory + "/store.json";
-    const std::string fresh = store + ".plix-new";
-    const PlixCallIndex calls(completedCalls(PlixTestDir::readFile(trace)));
-    const long renamed =
-        calls.before(calls.size(), "rename", {"\"" + fresh + "\", ", "\"" + store + "\")", " = 0"});
-    ASSERT_GE(renamed, 0) << "no rename of the new file over the store file";
-    const long synced = calls.before(renamed, "fsync(", {"<" + fresh + ">)", " = 0"});
-    const long written = calls.before(synced, "write(", {"<" + fresh + ">,"});
-    const long opened = calls.before(written, "openat(", {"\"" + fresh + "\"", "O_CREAT"});
-    const long directorySynced = calls.after(renamed, "fsync(", {"<" + directory + ">)", " = 0"});
-    // The reply carries the client's unique name as its destination.
-    const long replied = calls.after(opened, "sendmsg(", {client.uniqueName() + "\\0"});
-    EXPECT_GE(opened, 0) << "the new file is not created before it is written";
-    EXPECT_GE(written, 0) << "the new file is not written before it is synced";
-    EXPECT_GE(synced, 0) << "the new file is not synced before the rename";
-    EXPECT_GT(directorySynced, renamed) << "the directory is not synced after the rename";
-    EXPECT_GT(replied, directorySynced) << "the reply is sent before the directory is synced";
+TEST_F(CommitSyscallOrder, ALinkedStoresTargetSyncedRenamedAndItsDirectorySyncedBeforeTheReply)
+{
+    const std::string xml = writeLinkedConfig();
+    std::filesystem::create_symlink("../data/store.json", dir().file("etc/store.json"));
+    expectDurableBeforeTheReply(xml, dir().file("data/store.json"));
 }

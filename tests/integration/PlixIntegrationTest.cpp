@@ -3,6 +3,7 @@
 #include "PlixTestPaths.h"
 #include "PlixWait.h"
 
+#include <filesystem>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -95,6 +96,18 @@ std::string PlixIntegrationTest::writeConfig()
 std::string PlixIntegrationTest::writeXml(const std::string& name, const std::string& text)
 {
     return mDir->write(name, withTestDir(text));
+}
+
+std::string PlixIntegrationTest::writeLinkedConfig()
+{
+    writeConfig();
+    mDir->makeDirectory("etc");
+    mDir->makeDirectory("data");
+    std::filesystem::rename(mDir->file("store.json"), mDir->file("data/store.json"));
+    std::string xml = PlixTestDir::readFile(std::string(PLIX_TEST_DATA_DIR) + "/plix_test.xml");
+    const std::string store = "@DIR@/store.json";
+    xml.replace(xml.find(store), store.size(), "@DIR@/etc/store.json");
+    return writeXml("linked.xml", xml);
 }
 
 std::map<std::string, std::string> PlixIntegrationTest::serviceEnvironment() const

@@ -40,6 +40,10 @@ protected:
     // Writes an XML text of the test's own, "@DIR@" standing for the test
     // directory; returns its path.
     std::string writeXml(const std::string& name, const std::string& text);
+    // The test configuration with its store named "etc/store.json", which
+    // the test makes a link; what the store holds is in "data/store.json".
+    // Returns the XML's path.
+    std::string writeLinkedConfig();
 
     // The variables the service runs with: the private bus, the fake
     // killall first in PATH, predictable system error texts.

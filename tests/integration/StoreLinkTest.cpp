@@ -17,20 +17,6 @@ const int kCommitted = 4711;
 class StoreLinkTest : public PlixIntegrationTest
 {
 protected:
-    // The test configuration with its store named "etc/store.json"; what the
-    // store holds is in "data/store.json", where the test's links lead.
-    std::string writeLinkedConfig()
-    {
-        writeConfig();
-        dir().makeDirectory("etc");
-        dir().makeDirectory("data");
-        std::filesystem::rename(dir().file("store.json"), dir().file("data/store.json"));
-        std::string xml = PlixTestDir::readFile(std::string(PLIX_TEST_DATA_DIR) + "/plix_test.xml");
-        const std::string store = "@DIR@/store.json";
-        xml.replace(xml.find(store), store.size(), "@DIR@/etc/store.json");
-        return writeXml("linked.xml", xml);
-    }
-
     void link(const std::string& target, const std::string& name)
     {
         std::filesystem::create_symlink(target, dir().file(name));
