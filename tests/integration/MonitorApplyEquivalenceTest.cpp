@@ -79,6 +79,7 @@ protected:
     PlixTransactionOutcome callByCall()
     {
         PlixServiceProcess* service = startServing();
+        mCallByCallService = service;
         PlixTransactionOutcome outcome;
         if (service == nullptr) {
             return outcome;
@@ -115,6 +116,10 @@ protected:
             ADD_FAILURE() << "the second service does not serve:\n" << tail(service);
             return outcome;
         }
+        // The first service lost its name to the second and ends with 2.
+        if (mCallByCallService != nullptr) {
+            EXPECT_EQ(mCallByCallService->waitExit(kExitBound), 2) << tail(*mCallByCallService);
+        }
         const PlixBusClient& client = newClient();
         std::vector<PlixMonitorCalls::Change> changes;
         for (const auto& [id, text] : GetParam().changes) {
@@ -128,6 +133,7 @@ protected:
     }
 
 private:
+    PlixServiceProcess* mCallByCallService = nullptr;
     // A copy of the test configuration in a directory of its own.
     std::string writeCopy(const std::string& folder)
     {
