@@ -55,15 +55,27 @@ std::vector<pid_t> childrenOf(pid_t pid)
     return children;
 }
 
-// The children that run the service (directly or under a wrapper), not a
-// program that one of its actions started.
+// Whether a process runs the service, directly or under a wrapper: its
+// command line names the service, and it is not a copy of the namespace's
+// first process (whose command line names the service too), such as the
+// helper a leak checker forks when that process ends.
+bool runsService(pid_t pid)
+{
+    std::string command = PlixTestDir::readFile("/proc/" + std::to_string(pid) + "/cmdline");
+    if (command.rfind(std::string(PLIX_NS_INIT) + '\0', 0) == 0) {
+        return false;
+    }
+    std::replace(command.begin(), command.end(), '\0', ' ');
+    return command.find(PLIX_SERVICE_BINARY) != std::string::npos;
+}
+
+// The children that run the service, not a program that one of its actions
+// started.
 std::vector<pid_t> serviceChildrenOf(pid_t parent)
 {
     std::vector<pid_t> services;
     for (pid_t child : childrenOf(parent)) {
-        std::string command = PlixTestDir::readFile("/proc/" + std::to_string(child) + "/cmdline");
-        std::replace(command.begin(), command.end(), '\0', ' ');
-        if (command.find(PLIX_SERVICE_BINARY) != std::string::npos) {
+        if (runsService(child)) {
             services.push_back(child);
         }
     }
