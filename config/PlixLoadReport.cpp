@@ -27,6 +27,10 @@ void PlixLoadReport::atEndTag(long)
 {
 }
 
+void PlixLoadReport::aboutLine(long)
+{
+}
+
 void PlixLoadReport::readingFile(const PlixFile&)
 {
 }

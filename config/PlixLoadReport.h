@@ -37,6 +37,9 @@ public:
                                const PlixXML_Position& position);
     // The loader reads the element that ends at line of the XML file.
     virtual void atEndTag(long line);
+    // The loader speaks again of the element at line of the XML file, in a
+    // check it can make only once the whole document is read.
+    virtual void aboutLine(long line);
     // The loader reads the store file's document.
     virtual void readingFile(const PlixFile& file);
     // The loader reads the value's stored content from its store file.

@@ -22,14 +22,16 @@ std::unique_ptr<Action> withSetter(std::unique_ptr<Action> action, const char** 
 }
 
 template <typename Action>
-void warnAboutRefusals(const std::vector<std::pair<std::string, const Action*>>& commands)
+void warnAboutRefusals(const std::vector<PlixOnChangeBuilder::Command<Action>>& commands,
+                       PlixLoadReport& report)
 {
     for (const auto& command : commands) {
-        const std::string refusal = command.second->refusal();
+        const std::string refusal = command.action->refusal();
         if (!refusal.empty()) {
+            report.aboutLine(command.line);
             plixLog(LOG_WARNING,
                     "XML:\tExecute action of %s refuses its values: placeholder %s in command: %s",
-                    command.first.c_str(), refusal.c_str(), command.second->getCommand().c_str());
+                    command.owner.c_str(), refusal.c_str(), command.action->getCommand().c_str());
         }
     }
 }
@@ -39,12 +41,13 @@ PlixOnChangeBuilder::PlixOnChangeBuilder() = default;
 
 PlixOnChangeBuilder::~PlixOnChangeBuilder() = default;
 
-void PlixOnChangeBuilder::build(const char** attributes, const PlixXML_Position& position)
+void PlixOnChangeBuilder::build(const char** attributes, const PlixXML_Position& position,
+                                long line)
 {
     plixForEachAttribute(attributes, [&](const char* name, const char* text, const char** pair) {
         std::string attribute = name;
         if (attribute == "type") {
-            addAction(text, position, pair);
+            addAction(text, position, pair, line);
             return;
         }
         PlixTriggerFlags* last = lastAction(position);
@@ -60,24 +63,24 @@ void PlixOnChangeBuilder::build(const char** attributes, const PlixXML_Position&
 }
 
 void PlixOnChangeBuilder::addAction(const std::string& keyword, const PlixXML_Position& position,
-                                    const char** setters)
+                                    const char** setters, long line)
 {
     if (position.dataSetLevel) {
-        addDataSetAction(keyword, *position.dataSet, setters);
+        addDataSetAction(keyword, *position.dataSet, setters, line);
     } else if (position.value != nullptr) {
-        addValueAction(keyword, *position.value, setters);
+        addValueAction(keyword, *position.value, setters, line);
     }
 }
 
 void PlixOnChangeBuilder::addValueAction(const std::string& keyword, PlixValue& value,
-                                         const char** setters)
+                                         const char** setters, long line)
 {
     std::unique_ptr<PlixValueOnChangeHandler> action;
     if (keyword == "Execute") {
         auto execute = withSetter(std::make_unique<PlixValueOnChangeExecute>(value), setters,
                                   "command", &PlixValueOnChangeExecute::setCommand);
-        valueCommands.emplace_back(value.getDataSet().getName() + "/" + value.getName(),
-                                   execute.get());
+        valueCommands.push_back(
+            {value.getDataSet().getName() + "/" + value.getName(), execute.get(), line});
         action = std::move(execute);
     } else if (keyword == "WriteToFile") {
         action = withSetter(std::make_unique<PlixValueOnChangeWriteToFile>(value), setters,
@@ -92,13 +95,13 @@ void PlixOnChangeBuilder::addValueAction(const std::string& keyword, PlixValue& 
 }
 
 void PlixOnChangeBuilder::addDataSetAction(const std::string& keyword, PlixDataSet& dataSet,
-                                           const char** setters)
+                                           const char** setters, long line)
 {
     std::unique_ptr<PlixDatasetOnChangeHandler> action;
     if (keyword == "Execute") {
         auto execute = withSetter(std::make_unique<PlixDataSetOnChangeExecute>(dataSet), setters,
                                   "command", &PlixDataSetOnChangeExecute::setCommand);
-        dataSetCommands.emplace_back(dataSet.getName(), execute.get());
+        dataSetCommands.push_back({dataSet.getName(), execute.get(), line});
         action = std::move(execute);
     } else if (keyword == "SysconfigNetwork") {
         action = std::make_unique<PlixDataSetOnChangeSysconfigNetwork>(dataSet);
@@ -111,10 +114,10 @@ void PlixOnChangeBuilder::addDataSetAction(const std::string& keyword, PlixDataS
     dataSet.setDatasetOnChangeHandler(dataSetActions.back().get());
 }
 
-void PlixOnChangeBuilder::warnAboutRefusedCommands() const
+void PlixOnChangeBuilder::warnAboutRefusedCommands(PlixLoadReport& report) const
 {
-    warnAboutRefusals(valueCommands);
-    warnAboutRefusals(dataSetCommands);
+    warnAboutRefusals(valueCommands, report);
+    warnAboutRefusals(dataSetCommands, report);
 }
 
 PlixTriggerFlags* PlixOnChangeBuilder::lastAction(const PlixXML_Position& position)

@@ -2,6 +2,8 @@
 
 #include "PlixXML_Position.h"
 
+#include "PlixLoadReport.h"
+
 #include <memory>
 #include <string>
 #include <utility>
@@ -26,24 +28,37 @@ public:
     PlixOnChangeBuilder(const PlixOnChangeBuilder&) = delete;
     PlixOnChangeBuilder& operator=(const PlixOnChangeBuilder&) = delete;
 
-    void build(const char** attributes, const PlixXML_Position& position);
+    // Builds the actions of the onChange tag at line of the XML file.
+    void build(const char** attributes, const PlixXML_Position& position, long line);
 
     // Warns of each Execute action whose command refuses its values, naming
-    // what it belongs to and the command. Called once the document is read,
-    // when every data set has declared the members its command names.
-    void warnAboutRefusedCommands() const;
+    // what it belongs to and the command, and tells report the line of its
+    // tag first. Called once the document is read, when every data set has
+    // declared the members its command names.
+    void warnAboutRefusedCommands(PlixLoadReport& report) const;
+
+    // An Execute action, the XML-ID of its value or the name of its data
+    // set, and the line of its tag.
+    template <typename Action>
+    struct Command
+    {
+        std::string owner;
+        const Action* action;
+        long line;
+    };
 
 private:
     void addAction(const std::string& keyword, const PlixXML_Position& position,
-                   const char** setters);
-    void addValueAction(const std::string& keyword, PlixValue& value, const char** setters);
-    void addDataSetAction(const std::string& keyword, PlixDataSet& dataSet, const char** setters);
+                   const char** setters, long line);
+    void addValueAction(const std::string& keyword, PlixValue& value, const char** setters,
+                        long line);
+    void addDataSetAction(const std::string& keyword, PlixDataSet& dataSet, const char** setters,
+                          long line);
     static PlixTriggerFlags* lastAction(const PlixXML_Position& position);
 
     std::vector<std::unique_ptr<PlixValueOnChangeHandler>> valueActions;
     std::vector<std::unique_ptr<PlixDatasetOnChangeHandler>> dataSetActions;
-    // The Execute actions among them, behind the XML-ID of their value or
-    // the name of their data set.
-    std::vector<std::pair<std::string, const PlixValueOnChangeExecute*>> valueCommands;
-    std::vector<std::pair<std::string, const PlixDataSetOnChangeExecute*>> dataSetCommands;
+    // The Execute actions among them.
+    std::vector<Command<PlixValueOnChangeExecute>> valueCommands;
+    std::vector<Command<PlixDataSetOnChangeExecute>> dataSetCommands;
 };

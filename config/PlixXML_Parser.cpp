@@ -102,7 +102,7 @@ int PlixXML_Parser::parse_XML()
                          XML_ErrorString(XML_GetErrorCode(parser.get())));
     }
     parser.reset();
-    changeActions.warnAboutRefusedCommands();
+    changeActions.warnAboutRefusedCommands(report);
     plixLog(LOG_NOTICE, "Finished parsing %s", path.c_str());
     return 0;
 }
@@ -121,7 +121,8 @@ void PlixXML_Parser::start_element(const char* name, const char** attributes)
     } else if (is(name, "validation")) {
         validations.build(attributes, position);
     } else if (is(name, "onChange")) {
-        changeActions.build(attributes, position);
+        changeActions.build(attributes, position,
+                            static_cast<long>(XML_GetCurrentLineNumber(expat)));
     }
     report.afterStartTag(static_cast<long>(XML_GetCurrentLineNumber(expat)), name, attributes,
                          position);

@@ -130,6 +130,11 @@ void PlixctlCheckReport::atEndTag(long line)
     valueRead = nullptr;
 }
 
+void PlixctlCheckReport::aboutLine(long line)
+{
+    moveTo(atXmlLine(line));
+}
+
 void PlixctlCheckReport::readingFile(const PlixFile& file)
 {
     PlixctlProblem place;

@@ -25,6 +25,7 @@ public:
     void afterStartTag(long line, const char* element, const char** attributes,
                        const PlixXML_Position& position) override;
     void atEndTag(long line) override;
+    void aboutLine(long line) override;
     void readingFile(const PlixFile& file) override;
     void readingValue(const PlixValue& value) override;
 

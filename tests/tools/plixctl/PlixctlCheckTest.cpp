@@ -216,6 +216,20 @@ TEST_F(PlixctlCheckTest, AnExecutePlaceholderNamingNoMemberIsReportedAtItsLine)
               "data set");
 }
 
+TEST_F(PlixctlCheckTest, APlaceholderInAShellContextThatCannotBeMadeSafeIsReportedAtItsLine)
+{
+    const PlixctlProblem problem =
+        only(check(store, dataSet("<Value name=\"n\" type=\"int\"><jpath>g.n</jpath>\n"
+                                  "<onChange type=\"Execute\" command=\"echo \\%n\"/>\n"
+                                  "</Value>\n<Value name=\"m\" type=\"int\" default=\"1\"/>")));
+    EXPECT_EQ(problem.line, 6);
+    EXPECT_EQ(problem.exitStatus, 0);
+    EXPECT_NE(problem.message.find("Execute action of g/n refuses its values: placeholder %n "
+                                   "after a backslash in command: echo \\%n"),
+              std::string::npos)
+        << problem.message;
+}
+
 TEST_F(PlixctlCheckTest, AWriteToFileInADirectoryThatDoesNotExistIsReportedAtItsLine)
 {
     const std::string file = dir.path("absent/n");
