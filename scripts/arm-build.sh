@@ -22,6 +22,8 @@ suite=bookworm
 triplet=arm-linux-gnueabihf
 sysroot_packages="libglib2.0-dev,libssl-dev,libexpat1-dev,libgtest-dev,\
 libgmock-dev,nlohmann-json3-dev,libnl-3-dev,libnl-route-3-dev"
+# Changed when the sysroot's making changes, so that an older one is remade.
+sysroot_format="dpkg-database"
 host_packages="g++-arm-linux-gnueabihf binutils-arm-linux-gnueabihf \
 qemu-user debootstrap debian-archive-keyring cmake make pkg-config \
 libglib2.0-dev-bin"
@@ -55,26 +57,6 @@ install_host_tools()
         install -y --no-install-recommends $missing
 }
 
-# The Debian mirror this machine already uses for the release suite, as apt
-# itself resolved it from its sources (either file format).
-apt_mirror()
-{
-    apt-get indextargets --format '$(RELEASE) $(REPO_URI)' \
-        | awk -v s="$suite" '$1 == s && !found { print $2; found = 1 }'
-}
-
-debian_mirror()
-{
-    local mirror
-    mirror=$(apt_mirror)
-    if [ -z "$mirror" ]; then
-        $sudo apt-get -o DPkg::Lock::Timeout=600 update >&2
-        mirror=$(apt_mirror)
-    fi
-    [ -n "$mirror" ] || fail "no '$suite' suite in this machine's apt sources"
-    echo "$mirror"
-}
-
 # Packages link libfoo.so to /lib/...; seen from the build machine such a link
 # points outside the sysroot, and the linker would silently fall back to the
 # static archive. Point every one of them back into the sysroot.
@@ -87,17 +69,40 @@ relink_absolute_symlinks()
           done
 }
 
+# Records a package unpacked into the sysroot in the sysroot's dpkg database
+# as dpkg itself would (status entry, file list, symbols and shlibs files),
+# marked unpacked: dpkg-shlibdeps reads there which package, from which
+# version on, provides each library the device's programs link.
+register_package()
+{
+    local deb=$1 admin="$sysroot/var/lib/dpkg" control name f
+    control=$(mktemp -d)
+    dpkg-deb --control "$deb" "$control"
+    name=$(dpkg-deb --field "$deb" Package)
+    # dpkg names the files of a package that may be installed once per
+    # architecture with that architecture.
+    [ "$(dpkg-deb --field "$deb" Multi-Arch)" != same ] || name="$name:armhf"
+    sed '/^Package:/a Status: install ok unpacked' "$control/control" >> "$admin/status"
+    echo >> "$admin/status"
+    dpkg-deb --fsys-tarfile "$deb" | tar -t | sed -e 's|^\./|/|' -e 's|^/$|/.|' -e 's|/$||' \
+        > "$admin/info/$name.list"
+    for f in symbols shlibs; do
+        [ ! -f "$control/$f" ] || cp "$control/$f" "$admin/info/$name.$f"
+    done
+    rm -rf "$control"
+}
+
 # A self-consistent armhf sysroot: every package of one suite at matching
 # versions, unpacked but never configured (nothing in it is executed except
 # through qemu-arm -L).
 make_sysroot()
 {
     local stamp="$sysroot/.plix-sysroot" mirror deb
-    if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$suite $sysroot_packages" ]; then
+    if [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$suite $sysroot_packages $sysroot_format" ]; then
         step "sysroot $sysroot present"
         return 0
     fi
-    mirror=$(debian_mirror)
+    mirror=$("$top/scripts/debian-mirror.sh" "$suite")
     step "making armhf sysroot $sysroot from $mirror"
     $sudo rm -rf "$sysroot"
     mkdir -p "$(dirname "$sysroot")"
@@ -106,10 +111,17 @@ make_sysroot()
     for deb in "$sysroot"/var/cache/apt/archives/*.deb; do
         $sudo dpkg-deb -x "$deb" "$sysroot"
     done
-    $sudo rm -f "$sysroot"/var/cache/apt/archives/*.deb
     [ -z "$sudo" ] || $sudo chown -R "$(id -u):$(id -g)" "$sysroot"
+    mkdir -p "$sysroot/var/lib/dpkg/info"
+    : > "$sysroot/var/lib/dpkg/status"
+    # The database's layout with architecture-qualified file names.
+    echo 1 > "$sysroot/var/lib/dpkg/info/format"
+    for deb in "$sysroot"/var/cache/apt/archives/*.deb; do
+        register_package "$deb"
+    done
+    $sudo rm -f "$sysroot"/var/cache/apt/archives/*.deb
     relink_absolute_symlinks
-    echo "$suite $sysroot_packages" > "$stamp"
+    echo "$suite $sysroot_packages $sysroot_format" > "$stamp"
 }
 
 cross_build()

@@ -36,10 +36,16 @@ make_work_dir() {
 
 # Polls a command for at most 10 seconds.
 wait_for() {
-    tries=0
+    wait_up_to 10 "$@"
+}
+
+# Polls the command after $1 for at most $1 seconds.
+wait_up_to() {
+    tries=$(($1 * 10))
+    shift
     until "$@" >/dev/null 2>&1; do
-        tries=$((tries + 1))
-        [ "$tries" -lt 100 ] || return 1
+        tries=$((tries - 1))
+        [ "$tries" -gt 0 ] || return 1
         sleep 0.1
     done
 }
