@@ -86,6 +86,7 @@ check_layout() {
         "$PLIX_LIBDIR/libsysconfig.so.1.0.0" \
         "$PLIX_LIBDIR/plix/host/libsysconfig.so.1.0.0" "$PLIX_LIBDIR/plix/linux/libsysconfig.so.1.0.0" \
         "$PLIX_POLICY_DIR/com.orvanta.plix.conf" "$PLIX_UNIT_DIR/dbus-ex-plix.service" \
+        /usr/lib/tmpfiles.d/dbus-ex-plix.conf \
         "$PLIX_CONFIG_DIR/plix_config.xml" \
         "$PLIX_MAN_DIR/man8/dbus-ex-plix.8.gz" "$PLIX_MAN_DIR/man1/plixctl.1.gz" \
         "$PLIX_MAN_DIR/man5/plix_config.xml.5.gz" \
@@ -139,8 +140,7 @@ prepare_root() {
         mount -t tmpfs -o mode=755 tmpfs "$ROOT/$dir"
     done
     chmod 1777 "$ROOT/tmp"
-    # The example configuration's change actions write below /run/orvanta.
-    mkdir "$ROOT/run/lock" "$ROOT/run/dbus" "$ROOT/run/orvanta"
+    mkdir "$ROOT/run/lock" "$ROOT/run/dbus"
     for device in null zero full random urandom; do
         touch "$ROOT/dev/$device"
         mount --bind "/dev/$device" "$ROOT/dev/$device"
@@ -168,6 +168,16 @@ in_root_or_fail() {
     what=$1
     shift
     in_root "$@" > "$WORK/step.log" 2>&1 || { cat "$WORK/step.log"; fail "$what"; }
+}
+
+# The directories that the package's tmpfiles.d file has made at boot, as
+# systemd-tmpfiles would (the root has no systemd).
+make_boot_directories() {
+    tmpfiles="$ROOT/usr/lib/tmpfiles.d/dbus-ex-plix.conf"
+    [ -f "$tmpfiles" ] || fail "the package carries no tmpfiles.d file"
+    awk '$1 == "d" { print $2 }' "$tmpfiles" | while read -r dir; do
+        mkdir -p "$ROOT$dir"
+    done
 }
 
 start_root_bus() {
@@ -215,6 +225,7 @@ install_without_bus() {
     echo "== apt-get install $ROOT_DEB, no bus running"
     in_root_or_fail "apt-get install failed" apt-get install -y --no-install-recommends "$ROOT_DEB"
     in_root getent group plix || fail "the package made no group plix"
+    make_boot_directories
     [ -L "$ROOT/etc/systemd/system/multi-user.target.wants/dbus-ex-plix.service" ] \
         || fail "the unit is not enabled"
     in_root_or_fail "plixctl check finds the installed configuration wrong" plixctl check
