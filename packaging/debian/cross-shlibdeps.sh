@@ -24,7 +24,6 @@ for file in "$sysroot"/var/lib/dpkg/info/*; do
     esac
 done
 
-# /lib first: the C library's package names its files there, and from there
-# the merged /usr/lib is reached too.
+# The C library's package has its files under /lib, the others under /usr/lib.
 DEB_HOST_ARCH=$arch dpkg-shlibdeps --admindir="$admin" \
     -l"$sysroot/lib/$multiarch" -l"$sysroot/usr/lib/$multiarch" "$@"
