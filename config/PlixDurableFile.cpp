@@ -102,10 +102,10 @@ bool takeOver(int fd, const struct stat* old)
 
 // A leftover is removed first, not reused: it would keep its own mode.
 bool writeTemporary(const std::string& temporary, const std::string& text, const struct stat* old,
-                    std::string& error)
+                    mode_t newFileMode, std::string& error)
 {
     unlink(temporary.c_str());
-    const int fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, newFileMode);
     if (fd < 0) {
         return failed(error);
     }
@@ -133,12 +133,13 @@ bool syncDirectory(const std::string& file, std::string& error)
     return ok;
 }
 
-bool replaceFile(const std::string& file, const std::string& text, std::string& error)
+bool replaceFile(const std::string& file, const std::string& text, mode_t newFileMode,
+                 std::string& error)
 {
     struct stat status;
     const bool existed = stat(file.c_str(), &status) == 0;
     const std::string temporary = file + temporarySuffix;
-    if (!writeTemporary(temporary, text, existed ? &status : nullptr, error)) {
+    if (!writeTemporary(temporary, text, existed ? &status : nullptr, newFileMode, error)) {
         unlink(temporary.c_str());
         return false;
     }
@@ -151,7 +152,8 @@ bool replaceFile(const std::string& file, const std::string& text, std::string& 
 }
 } // namespace
 
-PlixDurableFile::PlixDurableFile(std::string path) : path(std::move(path))
+PlixDurableFile::PlixDurableFile(std::string path, mode_t newFileMode)
+    : path(std::move(path)), newFileMode(newFileMode)
 {
 }
 
@@ -165,7 +167,31 @@ std::string PlixDurableFile::temporaryPath() const
 bool PlixDurableFile::replace(const std::string& text, std::string& error) const
 {
     std::string file;
-    return followLinks(path, file, error) && replaceFile(file, text, error);
+    return followLinks(path, file, error) && replaceFile(file, text, newFileMode, error);
+}
+
+bool PlixDurableFile::remove(std::string& error) const
+{
+    std::string file;
+    if (!followLinks(path, file, error)) {
+        return false;
+    }
+    if (unlink(file.c_str()) != 0) {
+        return errno == ENOENT || failed(error);
+    }
+    return syncDirectory(file, error);
+}
+
+bool PlixDurableFile::moveAside(const std::string& suffix, std::string& error) const
+{
+    std::string file;
+    if (!followLinks(path, file, error)) {
+        return false;
+    }
+    if (std::rename(file.c_str(), (file + suffix).c_str()) != 0) {
+        return failed(error);
+    }
+    return syncDirectory(file, error);
 }
 
 void PlixDurableFile::removeLeftover() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <sys/types.h>
 
 // Replaces a file's content so that a power loss at any moment leaves either
 // the old or the new content, and the new one once replace() has returned
@@ -15,7 +16,9 @@
 class PlixDurableFile
 {
 public:
-    explicit PlixDurableFile(std::string path);
+    // A file that does not exist yet is made with newFileMode (less the
+    // umask); one that exists keeps its own.
+    explicit PlixDurableFile(std::string path, mode_t newFileMode = 0666);
 
     // Writes and syncs the temporary, renames it over the file and syncs the
     // file's directory. The file keeps its permission bits, owner and group.
@@ -24,8 +27,14 @@ public:
     bool replace(const std::string& text, std::string& error) const;
     // Removes what an interrupted rewrite left behind; nothing else.
     void removeLeftover() const;
+    // Removes the file so that a power loss cannot bring it back; a file
+    // that is not there counts as removed.
+    bool remove(std::string& error) const;
+    // Renames the file to its name followed by suffix, durably.
+    bool moveAside(const std::string& suffix, std::string& error) const;
     std::string temporaryPath() const;
 
 private:
     std::string path;
+    mode_t newFileMode;
 };

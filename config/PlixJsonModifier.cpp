@@ -123,6 +123,17 @@ void PlixJsonModifier::readFrom(Panel_file& record, PlixValue* value)
     }
 }
 
+bool PlixJsonModifier::storedContent(const PlixValue& value, PlixVariant& content)
+{
+    const Jzon::Node* node = value.getJsonNode();
+    return node != nullptr && contentOfNode(*node, value.getValueType(), content);
+}
+
+std::string PlixJsonModifier::firstStorePath() const
+{
+    return records.empty() ? std::string() : records.front().file->getPath();
+}
+
 int PlixJsonModifier::rewrite_json()
 {
     int unwritten = 0;

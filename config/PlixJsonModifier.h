@@ -11,6 +11,7 @@
 class PlixFile;
 class PlixLoadReport;
 class PlixValue;
+class PlixVariant;
 class jzonFile;
 
 // A store file whose latest write failed, and that write's error.
@@ -46,6 +47,11 @@ public:
     // The files whose latest write failed, in the order of their Panel_file
     // elements.
     std::vector<PlixStoreFailure> failingFiles() const;
+    // The content the store holds for the value as its latest commit left
+    // it; false for a value that has no node or whose node gives none.
+    static bool storedContent(const PlixValue& value, PlixVariant& content);
+    // The path of the first declared store file; empty when none is declared.
+    std::string firstStorePath() const;
 
 private:
     struct Panel_file

@@ -8,6 +8,8 @@
 namespace {
 // The engine's answer for a value asked for or offered as another type.
 constexpr int wrongTypeStatus = 11;
+// The engine's answer for a value that is not allowed.
+constexpr int notAllowedStatus = 200;
 } // namespace
 
 PlixMonitorInterface* PlixMonitorInterface::instance = nullptr;
@@ -31,6 +33,11 @@ void PlixMonitorInterface::connect_methods()
     g_signal_connect(getAdaptor(), "handle-get-values", G_CALLBACK(static_getValues), nullptr);
     g_signal_connect(getAdaptor(), "handle-apply", G_CALLBACK(static_apply), nullptr);
     g_signal_connect(getAdaptor(), "handle-store-status", G_CALLBACK(static_storeStatus), nullptr);
+    g_signal_connect(getAdaptor(), "handle-apply-confirmed", G_CALLBACK(static_applyConfirmed),
+                     nullptr);
+    g_signal_connect(getAdaptor(), "handle-confirm", G_CALLBACK(static_confirm), nullptr);
+    g_signal_connect(getAdaptor(), "handle-cancel", G_CALLBACK(static_cancel), nullptr);
+    g_signal_connect(getAdaptor(), "handle-pending", G_CALLBACK(static_pending), nullptr);
 }
 
 void PlixMonitorInterface::configure(int, char**)
@@ -101,8 +108,64 @@ gboolean PlixMonitorInterface::apply(PlixMonitor* skeleton, GDBusMethodInvocatio
 {
     std::string failedId;
     const int status =
-        applyChanges(DBusInterface::clientOf(invocation), changes, persistent, failedId);
+        applyChanges(DBusInterface::clientOf(invocation), changes, persistent, failedId,
+                     [](const std::string& client, std::string& unstoredFile) {
+                         return Plix::getInstance()->transactionStop(client, unstoredFile);
+                     });
     plix_monitor_complete_apply(skeleton, invocation, status, failedId.c_str());
+    return TRUE;
+}
+
+// A window out of range is refused before a transaction is started, so the
+// engine logs nothing for it.
+gboolean PlixMonitorInterface::applyConfirmed(PlixMonitor* skeleton,
+                                              GDBusMethodInvocation* invocation, GVariant* changes,
+                                              guint seconds)
+{
+    std::string failedId;
+    std::string token;
+    int status = notAllowedStatus;
+    if (seconds < PlixConfirmation::shortestWindow || seconds > PlixConfirmation::longestWindow) {
+        plixLog(LOG_WARNING, "A confirmation window of %u seconds is not allowed", seconds);
+    } else {
+        status = applyChanges(DBusInterface::clientOf(invocation), changes, true, failedId,
+                              [seconds, &token](const std::string& client, std::string& unstored) {
+                                  return Plix::getInstance()->transactionStopConfirmed(
+                                      client, seconds, unstored, token);
+                              });
+    }
+    plix_monitor_complete_apply_confirmed(skeleton, invocation, status, failedId.c_str(),
+                                          token.c_str());
+    return TRUE;
+}
+
+gboolean PlixMonitorInterface::confirm(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                                       const gchar* token)
+{
+    plix_monitor_complete_confirm(skeleton, invocation,
+                                  Plix::getInstance()->confirmation().confirm(token));
+    return TRUE;
+}
+
+gboolean PlixMonitorInterface::cancel(PlixMonitor* skeleton, GDBusMethodInvocation* invocation,
+                                      const gchar* token)
+{
+    plix_monitor_complete_cancel(skeleton, invocation,
+                                 Plix::getInstance()->confirmation().cancel(token));
+    return TRUE;
+}
+
+gboolean PlixMonitorInterface::pending(PlixMonitor* skeleton, GDBusMethodInvocation* invocation)
+{
+    const PlixConfirmation& confirmation = Plix::getInstance()->confirmation();
+    const std::vector<std::string> ids = confirmation.ids();
+    std::vector<const gchar*> names;
+    for (const std::string& id : ids) {
+        names.push_back(id.c_str());
+    }
+    names.push_back(nullptr);
+    plix_monitor_complete_pending(skeleton, invocation, confirmation.pending(),
+                                  confirmation.secondsLeft(), names.data());
     return TRUE;
 }
 
@@ -127,7 +190,7 @@ bool PlixMonitorInterface::allSettable(GVariant* changes, std::string& refusedId
 // a transaction whose sets all succeeded is stopped; a set answering 1 (an
 // earlier set of the same XML-ID replaced) succeeded.
 int PlixMonitorInterface::applyChanges(const std::string& client, GVariant* changes,
-                                       bool persistent, std::string& failedId)
+                                       bool persistent, std::string& failedId, const Stop& stop)
 {
     if (!allSettable(changes, failedId)) {
         return wrongTypeStatus;
@@ -150,7 +213,7 @@ int PlixMonitorInterface::applyChanges(const std::string& client, GVariant* chan
         }
     }
     std::string unstoredFile;
-    const int stopped = engine.transactionStop(client, unstoredFile);
+    const int stopped = stop(client, unstoredFile);
     if (stopped == 0 && !unstoredFile.empty()) {
         failedId = unstoredFile;
         return notStoredStatus;
@@ -222,4 +285,31 @@ gboolean PlixMonitorInterface::static_storeStatus(PlixMonitor* skeleton,
                                                   GDBusMethodInvocation* invocation, gpointer)
 {
     return getInstance()->storeStatus(skeleton, invocation);
+}
+
+gboolean PlixMonitorInterface::static_applyConfirmed(PlixMonitor* skeleton,
+                                                     GDBusMethodInvocation* invocation,
+                                                     GVariant* changes, guint seconds, gpointer)
+{
+    return getInstance()->applyConfirmed(skeleton, invocation, changes, seconds);
+}
+
+gboolean PlixMonitorInterface::static_confirm(PlixMonitor* skeleton,
+                                              GDBusMethodInvocation* invocation, const gchar* token,
+                                              gpointer)
+{
+    return getInstance()->confirm(skeleton, invocation, token);
+}
+
+gboolean PlixMonitorInterface::static_cancel(PlixMonitor* skeleton,
+                                             GDBusMethodInvocation* invocation, const gchar* token,
+                                             gpointer)
+{
+    return getInstance()->cancel(skeleton, invocation, token);
+}
+
+gboolean PlixMonitorInterface::static_pending(PlixMonitor* skeleton,
+                                              GDBusMethodInvocation* invocation, gpointer)
+{
+    return getInstance()->pending(skeleton, invocation);
 }

@@ -36,7 +36,9 @@ Plix* Plix::getInstance()
 Plix::Plix()
     : client(idleClient), values(valueTableBuckets), persistent(true), configured(false),
       triggerOnStart(false), timeout([this] { client_timeout(SIGALRM); }),
-      storeRetry(storeRetryPeriod, [this] { return jsonModifier.rewrite_json() == 0; })
+      storeRetry(storeRetryPeriod, [this] { return jsonModifier.rewrite_json() == 0; }),
+      pendingChange(
+          [this](const std::vector<PlixRollbackEntry>& contents) { return putBack(contents); })
 {
     PlixClientTimeout::installSignalHandler(&Plix::client_timeout_proxy);
 }
@@ -66,6 +68,8 @@ void Plix::configure(int argc, char** argv)
     // Loading reads whole files into memory and frees them again; without a
     // trim those pages would stay with the idle service for its whole run.
     plixReleaseFreedMemory();
+    pendingChange.setStore(jsonModifier.firstStorePath());
+    pendingChange.restoreAtStart(values);
     if (triggerOnStart) {
         triggerOnChange();
     }
@@ -139,7 +143,9 @@ int Plix::transactionStart(std::string client, bool persistent)
 {
     plixLog(LOG_NOTICE, "transactionStart client: %s persistent: %s", client.c_str(),
             persistent ? "true" : "false");
-    if (transactionOpen()) {
+    // A change that awaits its confirmation holds the engine as a
+    // transaction would, so that nothing is built on values that may go back.
+    if (transactionOpen() || pendingChange.pending()) {
         plixLog(LOG_WARNING, "Plix is currently busy with another transaction!");
         return 8;
     }
@@ -317,9 +323,14 @@ int Plix::setvalue_template(std::string client, std::string xml_id, PlixVariant 
     }
     timeout.arm();
     const int replaced = check_for_duplicate_change_values(entry);
+    recordChange(entry);
+    return replaced;
+}
+
+void Plix::recordChange(ValueMap::iterator entry)
+{
     changedValues.push_back(entry);
     inTransaction.insert(&entry->second);
-    return replaced;
 }
 
 int Plix::setvalue_transient_template(std::string client, std::string xml_id, PlixVariant value)

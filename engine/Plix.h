@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PlixClientTimeout.h"
+#include "PlixConfirmation.h"
 #include "PlixJsonModifier.h"
 #include "PlixStoreRetry.h"
 #include "PlixValueTable.h"
@@ -57,6 +58,15 @@ public:
     // the commit still answers 0, its values stay applied and the file is
     // tried again.
     int transactionStop(std::string client, std::string& unstoredFile);
+    // The same commit, kept only if confirmed within seconds: before the
+    // commit the replaced contents go to the rollback file (a file that
+    // cannot be written names itself in unstoredFile, and nothing changes);
+    // a change that took effect and is stored answers the token of its
+    // window. A change that is not stored goes back at once and names its
+    // file, and nothing is pending.
+    int transactionStopConfirmed(std::string client, unsigned seconds, std::string& unstoredFile,
+                                 std::string& token);
+    PlixConfirmation& confirmation() { return pendingChange; }
     void clear_plix();
     void client_timeout(int signal);
     static void client_timeout_proxy(int signal);
@@ -103,6 +113,13 @@ private:
     int refuseNonHolder(const std::string& caller, int otherClientCode) const;
     void readValuesFromJson();
     unsigned commitChanges(std::string& unstoredFile);
+    void recordChange(ValueMap::iterator entry);
+    // The contents the open transaction's values had before it: as the
+    // store holds them, or in memory for a value outside the store.
+    std::vector<PlixRollbackEntry> contentsBeforeChange() const;
+    // The engine's own persistent transaction that sets the contents as
+    // they are, a password in its stored form.
+    int putBack(const std::vector<PlixRollbackEntry>& contents);
 
     template <typename T>
     int readTyped(const char* operation, const std::string& client, const std::string& xml_id,
@@ -142,4 +159,5 @@ private:
     PlixClientTimeout timeout;
     ChangeObserver changeObserver;
     PlixStoreRetry storeRetry;
+    PlixConfirmation pendingChange;
 };

@@ -111,18 +111,22 @@ TEST_F(Introspection, CtrlShowsQuitAndInitAsNoReplyMethods)
     }
 }
 
-TEST_F(Introspection, PlixShowsTheMonitorsFourMethodsAndItsSignal)
+TEST_F(Introspection, PlixShowsTheMonitorsMethodsAndItsSignal)
 {
     const auto node = parse(client().introspect("/plix"));
     ASSERT_TRUE(node);
     const GDBusInterfaceInfo* monitor =
         g_dbus_node_info_lookup_interface(node.get(), "com.orvanta.plix.Monitor");
     ASSERT_NE(monitor, nullptr);
-    EXPECT_EQ(methodsOf(monitor),
-              (std::vector<std::string>{
-                  "ListValues()->(values:a(sssb))", "GetValues(ids:as)->(message:i,values:a{sv})",
-                  "Apply(changes:a{sv},persistent:b)->(message:i,failed_id:s)",
-                  "StoreStatus()->(all_written:b,failing:a(ss))"}));
+    EXPECT_EQ(
+        methodsOf(monitor),
+        (std::vector<std::string>{
+            "ListValues()->(values:a(sssb))", "GetValues(ids:as)->(message:i,values:a{sv})",
+            "Apply(changes:a{sv},persistent:b)->(message:i,failed_id:s)",
+            "StoreStatus()->(all_written:b,failing:a(ss))",
+            "ApplyConfirmed(changes:a{sv},timeout_seconds:u)->(message:i,failed_id:s,token:s)",
+            "Confirm(token:s)->(message:i)", "Cancel(token:s)->(message:i)",
+            "Pending()->(pending:b,seconds_left:u,ids:as)"}));
     EXPECT_EQ(signalsOf(monitor), (std::vector<std::string>{"ValuesChanged(ids:as,persistent:b)"}));
     EXPECT_TRUE(monitor->properties == nullptr || monitor->properties[0] == nullptr);
 }

@@ -55,3 +55,10 @@ TEST_F(MonitorIntrospection, ControlInterfaceIsExactlyItsDescription)
     EXPECT_EQ(interfaceXml(client().introspect("/ctrl"), name),
               interfaceXml(description("com.orvanta.dbus/com.orvanta.dbus.xml"), name));
 }
+
+TEST_F(MonitorIntrospection, MonitorInterfaceIsExactlyItsDescription)
+{
+    const std::string name = "com.orvanta.plix.Monitor";
+    EXPECT_EQ(interfaceXml(client().introspect("/plix"), name),
+              interfaceXml(description("com.orvanta.plix/plix-monitor.xml"), name));
+}

@@ -60,13 +60,9 @@ PlixMonitorCalls::Read PlixMonitorCalls::getValues(const std::vector<std::string
 PlixMonitorCalls::Applied PlixMonitorCalls::apply(const std::vector<Change>& changes,
                                                   bool persistent) const
 {
-    GVariantBuilder dict;
-    g_variant_builder_init(&dict, G_VARIANT_TYPE("a{sv}"));
-    for (const auto& change : changes) {
-        g_variant_builder_add(&dict, "{sv}", change.first.c_str(), change.second);
-    }
     Applied applied{-1, ""};
-    const PlixGVariantPtr reply = call("Apply", g_variant_new("(a{sv}b)", &dict, persistent));
+    const PlixGVariantPtr reply =
+        call("Apply", g_variant_new("(@a{sv}b)", changesOf(changes), persistent));
     if (!reply) {
         return applied;
     }
@@ -94,4 +90,69 @@ PlixMonitorCalls::Stored PlixMonitorCalls::storeStatus() const
     }
     g_variant_iter_free(iter);
     return stored;
+}
+
+GVariant* PlixMonitorCalls::changesOf(const std::vector<Change>& changes)
+{
+    GVariantBuilder dict;
+    g_variant_builder_init(&dict, G_VARIANT_TYPE("a{sv}"));
+    for (const auto& change : changes) {
+        g_variant_builder_add(&dict, "{sv}", change.first.c_str(), change.second);
+    }
+    return g_variant_builder_end(&dict);
+}
+
+PlixMonitorCalls::AppliedConfirmed
+PlixMonitorCalls::applyConfirmed(const std::vector<Change>& changes, unsigned seconds) const
+{
+    AppliedConfirmed applied{-1, "", ""};
+    const PlixGVariantPtr reply =
+        call("ApplyConfirmed", g_variant_new("(@a{sv}u)", changesOf(changes), seconds));
+    if (!reply) {
+        return applied;
+    }
+    const gchar* failedId = nullptr;
+    const gchar* token = nullptr;
+    g_variant_get(reply.get(), "(i&s&s)", &applied.status, &failedId, &token);
+    applied.failedId = failedId;
+    applied.token = token;
+    return applied;
+}
+
+int PlixMonitorCalls::callWithToken(const std::string& method, const std::string& token) const
+{
+    int status = -1;
+    const PlixGVariantPtr reply = call(method, g_variant_new("(s)", token.c_str()));
+    if (reply) {
+        g_variant_get(reply.get(), "(i)", &status);
+    }
+    return status;
+}
+
+int PlixMonitorCalls::confirm(const std::string& token) const
+{
+    return callWithToken("Confirm", token);
+}
+
+int PlixMonitorCalls::cancel(const std::string& token) const
+{
+    return callWithToken("Cancel", token);
+}
+
+PlixMonitorCalls::Waiting PlixMonitorCalls::pending() const
+{
+    Waiting waiting{false, 0, {}};
+    const PlixGVariantPtr reply = call("Pending", nullptr);
+    if (!reply) {
+        return waiting;
+    }
+    gboolean pending = FALSE;
+    const gchar** ids = nullptr;
+    g_variant_get(reply.get(), "(bu^a&s)", &pending, &waiting.secondsLeft, &ids);
+    waiting.pending = pending != FALSE;
+    for (std::size_t i = 0; ids[i] != nullptr; ++i) {
+        waiting.ids.emplace_back(ids[i]);
+    }
+    g_free(ids);
+    return waiting;
 }

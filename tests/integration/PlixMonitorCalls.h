@@ -46,14 +46,33 @@ public:
         std::vector<std::pair<std::string, std::string>> failing;
     };
 
+    struct AppliedConfirmed
+    {
+        int status;
+        std::string failedId;
+        std::string token;
+    };
+    struct Waiting
+    {
+        bool pending;
+        unsigned secondsLeft;
+        std::vector<std::string> ids;
+    };
+
     explicit PlixMonitorCalls(const PlixBusClient& client) : mClient(client) {}
 
     std::vector<Listed> listValues() const;
     Read getValues(const std::vector<std::string>& ids) const;
     Applied apply(const std::vector<Change>& changes, bool persistent) const;
     Stored storeStatus() const;
+    AppliedConfirmed applyConfirmed(const std::vector<Change>& changes, unsigned seconds) const;
+    int confirm(const std::string& token) const;
+    int cancel(const std::string& token) const;
+    Waiting pending() const;
 
 private:
+    static GVariant* changesOf(const std::vector<Change>& changes);
+    int callWithToken(const std::string& method, const std::string& token) const;
     PlixGVariantPtr call(const std::string& method, GVariant* params) const;
 
     const PlixBusClient& mClient;

@@ -200,3 +200,19 @@ TEST_F(StoreFailure, SpaceFreedLetsTheTimerWriteTheFileWithinItsPeriodAndARestar
     ASSERT_TRUE(startService("restarted"));
     EXPECT_EQ(newClient().getIntTransient(kBrightness).value, 33);
 }
+
+// The values to go back to cannot be kept on disk: no change is offered on
+// approval, and nothing is changed.
+TEST_F(StoreFailure, ApplyConfirmedAnswers17NamingTheRollbackFileAndChangesNothing)
+{
+    const auto applied = monitor().applyConfirmed({{kBrightness, g_variant_new_int32(33)}}, 600);
+    EXPECT_EQ(applied.status, 17);
+    EXPECT_EQ(applied.failedId, dir().file("data/plix-rollback.json"));
+    EXPECT_EQ(applied.token, "");
+    EXPECT_FALSE(monitor().pending().pending);
+    EXPECT_EQ(client().getIntTransient(kBrightness).value, 80);
+    EXPECT_EQ(storeText(), kStoreText);
+    EXPECT_EQ(dataFiles(), (Names{"display.json", "filler"}));
+    EXPECT_EQ(errorLines(), Names{"[ERR] Cannot write " + dir().file("data/plix-rollback.json") +
+                                  ": " + kDiskFull});
+}
