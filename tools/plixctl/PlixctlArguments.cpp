@@ -16,6 +16,11 @@ const std::map<std::string, PlixctlArguments::Command>& commands()
         {"monitor", PlixctlArguments::Command::monitor},
         {"status", PlixctlArguments::Command::status},
         {"check", PlixctlArguments::Command::check},
+        {"confirm", PlixctlArguments::Command::confirm},
+        {"cancel", PlixctlArguments::Command::cancel},
+        {"pending", PlixctlArguments::Command::pending},
+        {"export", PlixctlArguments::Command::exportValues},
+        {"import", PlixctlArguments::Command::importValues},
     };
     return names;
 }
@@ -63,6 +68,14 @@ bool PlixctlArguments::takeOption(const std::string& argument, int& index, int a
         setSetMode(SetMode::transient);
     } else if (argument == "--no-persist") {
         setSetMode(SetMode::noPersist);
+    } else if (startsWith(argument, "--confirm=")) {
+        setConfirmSeconds(argument.substr(std::string("--confirm=").size()));
+    } else if (argument == "--confirm") {
+        if (index + 1 >= argc) {
+            mError = "--confirm needs a number of SECONDS";
+        } else {
+            setConfirmSeconds(argv[++index]);
+        }
     } else if (startsWith(argument, "--address=")) {
         mAddress = argument.substr(std::string("--address=").size());
     } else if (argument == "--address") {
@@ -88,21 +101,55 @@ void PlixctlArguments::setSetMode(SetMode mode)
     mSetModeGiven = true;
 }
 
+// Whether the window is allowed at all is the service's to say; here it must
+// only be a number.
+void PlixctlArguments::setConfirmSeconds(const std::string& text)
+{
+    const bool digits = !text.empty() && text.size() <= 9 &&
+                        text.find_first_not_of("0123456789") == std::string::npos;
+    if (!digits) {
+        mError = "--confirm needs a number of SECONDS, not '" + text + "'";
+        return;
+    }
+    mConfirmSeconds = static_cast<unsigned>(std::stoul(text));
+}
+
+void PlixctlArguments::checkConfirm()
+{
+    if (mCommand != Command::set && mCommand != Command::importValues) {
+        mError = "--confirm belongs to the commands set and import";
+    } else if (mSetModeGiven) {
+        mError = "--confirm keeps a stored change: not with --transient or --no-persist";
+    }
+}
+
 void PlixctlArguments::check()
 {
+    if (mConfirmSeconds && mCommand != Command::none) {
+        checkConfirm();
+    }
+    if (!mError.empty()) {
+        return;
+    }
     const std::size_t count = mOperands.size();
     if (mCommand == Command::none) {
         mError = "no command given";
     } else if (mSetModeGiven && mCommand != Command::set) {
         mError = "--transient and --no-persist belong to the command set";
     } else if ((mCommand == Command::list || mCommand == Command::monitor ||
-                mCommand == Command::status) &&
+                mCommand == Command::status || mCommand == Command::pending) &&
                count != 0) {
         mError = "this command takes no operands";
     } else if (mCommand == Command::get && count == 0) {
         mError = "get needs at least one XML-ID";
     } else if (mCommand == Command::check && count > 1) {
         mError = "check takes at most one FILE";
+    } else if ((mCommand == Command::confirm || mCommand == Command::cancel) && count != 1) {
+        mError = "this command needs the TOKEN that set --confirm printed";
+    } else if (mCommand == Command::exportValues && count > 1) {
+        mError = "export takes at most one FILE";
+    } else if (mCommand == Command::importValues && count != 1) {
+        mError = "import needs one FILE";
     } else if (mCommand == Command::verify && count != 2) {
         mError = "verify needs an XML-ID and a value";
     } else if (mCommand == Command::set) {
@@ -126,12 +173,23 @@ std::string PlixctlArguments::usage()
            "Commands:\n"
            "  list                      the declared values: XML-ID, type, store file, access\n"
            "  get ID...                 the current value of each XML-ID (ID=VALUE)\n"
-           "  set [--transient | --no-persist] ID=VALUE...\n"
+           "  set [--transient | --no-persist | --confirm SECONDS] ID=VALUE...\n"
            "                            sets the values in one transaction, stored in the\n"
            "                            JSON files by default; --no-persist keeps the\n"
            "                            transaction in memory only; --transient uses the\n"
            "                            transient setters one by one (applied at once,\n"
-           "                            never stored)\n"
+           "                            never stored); --confirm keeps the change only if\n"
+           "                            it is confirmed within SECONDS (10 to 3600) and\n"
+           "                            prints the TOKEN and the deadline\n"
+           "  confirm TOKEN             keeps the change that awaits its confirmation\n"
+           "  cancel TOKEN              puts that change's old values back at once\n"
+           "  pending                   whether a change awaits its confirmation, for how\n"
+           "                            long and which XML-IDs it covers\n"
+           "  export [FILE]             every readable value as one JSON document\n"
+           "                            (standard output without FILE)\n"
+           "  import [--confirm SECONDS] FILE\n"
+           "                            sets the values of an exported document in one\n"
+           "                            stored transaction\n"
            "  verify ID VALUE           does VALUE equal the stored value? (passwords too)\n"
            "  monitor                   prints each change (ID=VALUE) until interrupted\n"
            "  status                    the store files that could not be written, each\n"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,7 +9,21 @@
 class PlixctlArguments
 {
 public:
-    enum class Command { none, list, get, set, verify, monitor, status, check };
+    enum class Command {
+        none,
+        list,
+        get,
+        set,
+        verify,
+        monitor,
+        status,
+        check,
+        confirm,
+        cancel,
+        pending,
+        exportValues,
+        importValues
+    };
     // How "set" writes: one persistent transaction, one transaction kept in
     // memory only, or the transient setters one by one.
     enum class SetMode { persistent, noPersist, transient };
@@ -24,12 +39,17 @@ public:
     // Empty for the system bus.
     const std::string& address() const { return mAddress; }
     SetMode setMode() const { return mSetMode; }
+    // The confirmation window of "set" and "import" in seconds; none when
+    // the change is kept without one.
+    std::optional<unsigned> confirmSeconds() const { return mConfirmSeconds; }
 
     static std::string usage();
 
 private:
     bool takeOption(const std::string& argument, int& index, int argc, char** argv);
     void setSetMode(SetMode mode);
+    void setConfirmSeconds(const std::string& text);
+    void checkConfirm();
     void check();
 
     std::string mError;
@@ -40,4 +60,5 @@ private:
     std::string mAddress;
     SetMode mSetMode = SetMode::persistent;
     bool mSetModeGiven = false;
+    std::optional<unsigned> mConfirmSeconds;
 };

@@ -70,9 +70,11 @@ PlixctlVariant PlixctlBusClient::call(const char* interface, const char* method,
     return PlixctlVariant(reply);
 }
 
-std::optional<int> PlixctlBusClient::callForCode(const char* method, GVariant* params)
+std::optional<int> PlixctlBusClient::callForCode(const char* method, GVariant* params,
+                                                 const char* interface)
 {
-    const PlixctlVariant reply = call(adaptorInterface, method, params, "(i)");
+    const PlixctlVariant reply =
+        call(interface != nullptr ? interface : adaptorInterface, method, params, "(i)");
     if (!reply) {
         return std::nullopt;
     }
@@ -131,6 +133,53 @@ std::optional<PlixctlResult> PlixctlBusClient::apply(GVariant* changes, bool per
     const gchar* failedId = nullptr;
     g_variant_get(reply.get(), "(i&s)", &code, &failedId);
     return PlixctlResult{code, failedId};
+}
+
+std::optional<PlixctlResult> PlixctlBusClient::applyConfirmed(GVariant* changes, unsigned seconds,
+                                                              std::string& token)
+{
+    const PlixctlVariant reply = call(monitorInterface, "ApplyConfirmed",
+                                      g_variant_new("(@a{sv}u)", changes, seconds), "(iss)");
+    if (!reply) {
+        return std::nullopt;
+    }
+    gint32 code = 0;
+    const gchar* failedId = nullptr;
+    const gchar* given = nullptr;
+    g_variant_get(reply.get(), "(i&s&s)", &code, &failedId, &given);
+    token = given;
+    return PlixctlResult{code, failedId};
+}
+
+std::optional<int> PlixctlBusClient::confirm(const std::string& token)
+{
+    return callForCode("Confirm", g_variant_new("(s)", token.c_str()), monitorInterface);
+}
+
+std::optional<int> PlixctlBusClient::cancel(const std::string& token)
+{
+    return callForCode("Cancel", g_variant_new("(s)", token.c_str()), monitorInterface);
+}
+
+std::optional<PlixctlPending> PlixctlBusClient::pending()
+{
+    const PlixctlVariant reply = call(monitorInterface, "Pending", nullptr, "(buas)");
+    if (!reply) {
+        return std::nullopt;
+    }
+    PlixctlPending state{false, 0, {}};
+    gboolean pending = FALSE;
+    guint32 secondsLeft = 0;
+    GVariantIter* iter = nullptr;
+    g_variant_get(reply.get(), "(buas)", &pending, &secondsLeft, &iter);
+    const gchar* id = nullptr;
+    while (g_variant_iter_next(iter, "&s", &id)) {
+        state.ids.emplace_back(id);
+    }
+    g_variant_iter_free(iter);
+    state.pending = pending != FALSE;
+    state.secondsLeft = secondsLeft;
+    return state;
 }
 
 std::optional<int> PlixctlBusClient::setTransient(const std::string& id, GVariant* value)

@@ -37,6 +37,15 @@ struct PlixctlResult
     std::string id;
 };
 
+// What Pending answers: whether a change awaits its confirmation, the
+// seconds left and the XML-IDs it covers.
+struct PlixctlPending
+{
+    bool pending;
+    unsigned secondsLeft;
+    std::vector<std::string> ids;
+};
+
 // plixctl's one connection to the service "com.orvanta.plix" at "/plix": the
 // monitor interface and the configuration interface. Every call answers an
 // empty optional when the bus did not deliver an answer; error() then says
@@ -59,6 +68,13 @@ public:
     std::optional<std::pair<int, PlixctlVariant>> getValues(const std::vector<std::string>& ids);
     // changes: an a{sv} (consumed if floating).
     std::optional<PlixctlResult> apply(GVariant* changes, bool persistent);
+    // The same, kept only if confirmed within seconds; token is the one
+    // that confirms or cancels it (empty on failure).
+    std::optional<PlixctlResult> applyConfirmed(GVariant* changes, unsigned seconds,
+                                                std::string& token);
+    std::optional<int> confirm(const std::string& token);
+    std::optional<int> cancel(const std::string& token);
+    std::optional<PlixctlPending> pending();
     // The transient setter of the variant's type (consumed if floating).
     std::optional<int> setTransient(const std::string& id, GVariant* value);
     std::optional<int> transactionStart(bool persistent);
@@ -75,7 +91,8 @@ public:
 private:
     PlixctlVariant call(const char* interface, const char* method, GVariant* params,
                         const char* replyType);
-    std::optional<int> callForCode(const char* method, GVariant* params);
+    std::optional<int> callForCode(const char* method, GVariant* params,
+                                   const char* interface = nullptr);
     static void onValuesChanged(GDBusConnection* connection, const gchar* sender, const gchar* path,
                                 const gchar* interface, const gchar* signal, GVariant* parameters,
                                 gpointer self);

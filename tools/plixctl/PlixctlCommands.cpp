@@ -17,6 +17,15 @@ std::vector<std::string> idsOf(const std::vector<std::string>& assignments)
     return ids;
 }
 
+std::vector<std::string> idsOf(const std::vector<PlixctlCommands::Change>& changes)
+{
+    std::vector<std::string> ids;
+    for (const PlixctlCommands::Change& change : changes) {
+        ids.push_back(change.id);
+    }
+    return ids;
+}
+
 void releaseAll(const std::vector<GVariant*>& values)
 {
     for (GVariant* value : values) {
@@ -88,7 +97,7 @@ GVariant* PlixctlCommands::valueFor(const std::map<std::string, std::string>& ty
 }
 
 int PlixctlCommands::set(const std::vector<std::string>& assignments,
-                         PlixctlArguments::SetMode mode)
+                         PlixctlArguments::SetMode mode, std::optional<unsigned> confirmSeconds)
 {
     std::map<std::string, std::string> types;
     if (!loadTypes(types)) {
@@ -106,29 +115,49 @@ int PlixctlCommands::set(const std::vector<std::string>& assignments,
             changes.push_back({ids[i], value});
         }
     }
+    if (status == PlixctlStatus::success && mode == PlixctlArguments::SetMode::persistent) {
+        status = store(changes, confirmSeconds);
+        releaseAll(owned);
+        return status;
+    }
     if (status == PlixctlStatus::success) {
-        status = mode == PlixctlArguments::SetMode::transient
-                     ? setTransientOneByOne(changes)
-                     : applyAll(changes, mode == PlixctlArguments::SetMode::persistent);
+        status = mode == PlixctlArguments::SetMode::transient ? setTransientOneByOne(changes)
+                                                              : applyAll(changes, false);
     }
     releaseAll(owned);
     if (status == PlixctlStatus::success) {
-        const char* how = mode == PlixctlArguments::SetMode::persistent  ? "committed"
-                          : mode == PlixctlArguments::SetMode::noPersist ? "applied, not stored"
-                                                                         : "applied transiently";
-        mOutput.setDone(ids, how);
+        mOutput.setDone(ids, mode == PlixctlArguments::SetMode::noPersist ? "applied, not stored"
+                                                                          : "applied transiently");
     }
     return status;
 }
 
-int PlixctlCommands::applyAll(const std::vector<Change>& changes, bool persistent)
+int PlixctlCommands::store(const std::vector<Change>& changes,
+                           std::optional<unsigned> confirmSeconds)
+{
+    if (confirmSeconds) {
+        return applyConfirmed(changes, *confirmSeconds);
+    }
+    const int status = applyAll(changes, true);
+    if (status == PlixctlStatus::success) {
+        mOutput.setDone(idsOf(changes), "committed");
+    }
+    return status;
+}
+
+GVariant* PlixctlCommands::changesOf(const std::vector<Change>& changes)
 {
     GVariantBuilder dict;
     g_variant_builder_init(&dict, G_VARIANT_TYPE_VARDICT);
     for (const Change& change : changes) {
         g_variant_builder_add(&dict, "{sv}", change.id.c_str(), change.value);
     }
-    const auto result = mClient.apply(g_variant_builder_end(&dict), persistent);
+    return g_variant_builder_end(&dict);
+}
+
+int PlixctlCommands::applyAll(const std::vector<Change>& changes, bool persistent)
+{
+    const auto result = mClient.apply(changesOf(changes), persistent);
     if (!result) {
         return mOutput.busFailure(mClient.error());
     }
@@ -136,6 +165,23 @@ int PlixctlCommands::applyAll(const std::vector<Change>& changes, bool persisten
         return notStored(changes, result->id);
     }
     return result->code == 0 ? PlixctlStatus::success : mOutput.failure(result->code, result->id);
+}
+
+// A 17 here names a file and nothing is pending: the change did not take
+// effect, or went back at once, so it is reported as a failure.
+int PlixctlCommands::applyConfirmed(const std::vector<Change>& changes, unsigned seconds)
+{
+    std::string token;
+    const auto result = mClient.applyConfirmed(changesOf(changes), seconds, token);
+    if (!result) {
+        return mOutput.busFailure(mClient.error());
+    }
+    if (result->code != 0) {
+        return mOutput.failure(result->code, result->id);
+    }
+    const std::vector<std::string> ids = idsOf(changes);
+    mOutput.awaitingConfirmation(ids, token, seconds);
+    return PlixctlStatus::success;
 }
 
 // A file that StoreStatus no longer lists was written in between by the
@@ -152,10 +198,7 @@ int PlixctlCommands::notStored(const std::vector<Change>& changes, const std::st
             error = failure.error;
         }
     }
-    std::vector<std::string> ids;
-    for (const Change& change : changes) {
-        ids.push_back(change.id);
-    }
+    const std::vector<std::string> ids = idsOf(changes);
     mOutput.notStored(ids, file, error);
     return PlixctlStatus::notStored;
 }
@@ -230,4 +273,40 @@ std::optional<PlixctlResult> PlixctlCommands::verifyInOwnTransaction(GVariant* c
         return std::nullopt;
     }
     return PlixctlResult{*code, id};
+}
+
+int PlixctlCommands::confirm(const std::string& token)
+{
+    const auto code = mClient.confirm(token);
+    if (!code) {
+        return mOutput.busFailure(mClient.error());
+    }
+    if (*code != 0) {
+        return mOutput.failure(*code, "");
+    }
+    mOutput.confirmationDone("confirmed");
+    return PlixctlStatus::success;
+}
+
+int PlixctlCommands::cancel(const std::string& token)
+{
+    const auto code = mClient.cancel(token);
+    if (!code) {
+        return mOutput.busFailure(mClient.error());
+    }
+    if (*code != 0) {
+        return mOutput.failure(*code, "");
+    }
+    mOutput.confirmationDone("cancelled, the old values are back");
+    return PlixctlStatus::success;
+}
+
+int PlixctlCommands::pending()
+{
+    const auto state = mClient.pending();
+    if (!state) {
+        return mOutput.busFailure(mClient.error());
+    }
+    mOutput.pending(*state);
+    return PlixctlStatus::success;
 }

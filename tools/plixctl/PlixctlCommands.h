@@ -9,26 +9,36 @@
 #include <string>
 #include <vector>
 
-// The one-shot commands of plixctl (list, get, set, verify, status), each a short
+// The one-shot commands of plixctl (list, get, set, verify, status, confirm,
+// cancel, pending), each a short
 // exchange with the service; every one answers plixctl's exit status.
 class PlixctlCommands
 {
 public:
-    PlixctlCommands(PlixctlBusClient& client, PlixctlOutput& output);
-
-    int list();
-    int get(const std::vector<std::string>& ids);
-    int set(const std::vector<std::string>& assignments, PlixctlArguments::SetMode mode);
-    int verify(const std::string& id, const std::string& text);
-    int status();
-
-private:
     struct Change
     {
         std::string id;
         GVariant* value;
     };
 
+    PlixctlCommands(PlixctlBusClient& client, PlixctlOutput& output);
+
+    int list();
+    int get(const std::vector<std::string>& ids);
+    // confirmSeconds: a stored change kept only if confirmed in that time.
+    int set(const std::vector<std::string>& assignments, PlixctlArguments::SetMode mode,
+            std::optional<unsigned> confirmSeconds = std::nullopt);
+    int verify(const std::string& id, const std::string& text);
+    int status();
+    int confirm(const std::string& token);
+    int cancel(const std::string& token);
+    int pending();
+
+    // Sets the values in one stored transaction, kept only if confirmed in
+    // confirmSeconds when given, and reports it as set does.
+    int store(const std::vector<Change>& changes, std::optional<unsigned> confirmSeconds);
+
+private:
     // The declared type text of every value, from ListValues.
     bool loadTypes(std::map<std::string, std::string>& types);
     // The variant to send for one VALUE, or null after reporting why (the
@@ -36,6 +46,8 @@ private:
     GVariant* valueFor(const std::map<std::string, std::string>& types, const std::string& id,
                        const std::string& text, int* status);
     int applyAll(const std::vector<Change>& changes, bool persistent);
+    int applyConfirmed(const std::vector<Change>& changes, unsigned seconds);
+    static GVariant* changesOf(const std::vector<Change>& changes);
     // Reports a change that was applied but whose store file could not be
     // written, with the error that StoreStatus gives for the file.
     int notStored(const std::vector<Change>& changes, const std::string& file);

@@ -4,6 +4,7 @@
 #include "PlixctlValueText.h"
 
 #include <algorithm>
+#include <ctime>
 #include <iomanip>
 
 namespace {
@@ -13,6 +14,26 @@ const char* const passwordShown = "(password)";
 std::string prefixed(const std::string& id, const std::string& text)
 {
     return "plixctl: " + (id.empty() ? "" : id + ": ") + text;
+}
+
+// The moment that many seconds from now, in UTC, as ISO 8601.
+std::string deadlineIn(unsigned seconds)
+{
+    const std::time_t at = std::time(nullptr) + static_cast<std::time_t>(seconds);
+    std::tm parts{};
+    gmtime_r(&at, &parts);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
+    return text;
+}
+
+std::string joined(const std::vector<std::string>& ids)
+{
+    std::string text;
+    for (const std::string& id : ids) {
+        text += (text.empty() ? "" : " ") + id;
+    }
+    return text;
 }
 
 } // namespace
@@ -132,6 +153,45 @@ void PlixctlOutput::verifyMatched(const std::string& id)
                : std::string("match"));
 }
 
+void PlixctlOutput::awaitingConfirmation(const std::vector<std::string>& ids,
+                                         const std::string& token, unsigned seconds)
+{
+    const std::string deadline = deadlineIn(seconds);
+    if (mJson) {
+        line(nlohmann::ordered_json{{"status", 0},
+                                    {"ids", ids},
+                                    {"mode", "committed, awaiting confirmation"},
+                                    {"token", token},
+                                    {"deadline", deadline}}
+                 .dump());
+        return;
+    }
+    line("committed, awaiting confirmation: " + std::to_string(ids.size()) +
+         (ids.size() == 1 ? " value" : " values"));
+    line("token: " + token);
+    line("deadline: " + deadline);
+}
+
+void PlixctlOutput::confirmationDone(const char* how)
+{
+    line(mJson ? nlohmann::ordered_json{{"status", 0}, {"mode", how}}.dump() : std::string(how));
+}
+
+void PlixctlOutput::pending(const PlixctlPending& state)
+{
+    if (mJson) {
+        line(nlohmann::ordered_json{
+            {"pending", state.pending}, {"seconds_left", state.secondsLeft}, {"ids", state.ids}}
+                 .dump());
+        return;
+    }
+    if (!state.pending) {
+        line("nothing pending");
+        return;
+    }
+    line("pending: " + std::to_string(state.secondsLeft) + " seconds left: " + joined(state.ids));
+}
+
 void PlixctlOutput::change(const std::string& id, GVariant* value, bool persistent)
 {
     if (mJson) {
@@ -163,6 +223,17 @@ int PlixctlOutput::failure(int code, const std::string& id)
     }
     mErr << prefixed(id, meaning + " (code " + std::to_string(code) + ")") << std::endl;
     return PlixctlStatus::exitStatusOf(code);
+}
+
+void PlixctlOutput::document(const std::string& text)
+{
+    line(text);
+}
+
+int PlixctlOutput::fileFailure(const std::string& file, const std::string& error)
+{
+    mErr << prefixed("", file + ": " + error) << std::endl;
+    return PlixctlStatus::usageError;
 }
 
 int PlixctlOutput::busFailure(const std::string& error)

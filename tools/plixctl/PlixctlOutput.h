@@ -22,6 +22,11 @@ public:
     // The report of a successful set: what was set and how.
     void setDone(const std::vector<std::string>& ids, const char* how);
     void verifyMatched(const std::string& id);
+    // A stored change that awaits its confirmation: its token and deadline.
+    void awaitingConfirmation(const std::vector<std::string>& ids, const std::string& token,
+                              unsigned seconds);
+    void confirmationDone(const char* how);
+    void pending(const PlixctlPending& state);
     // The report of a set that took effect but whose store file could not be
     // written.
     void notStored(const std::vector<std::string>& ids, const std::string& file,
@@ -32,6 +37,10 @@ public:
     // A change whose value could not be read.
     void unreadableChange(const std::string& id, int code, bool persistent);
 
+    // A whole document, as it is.
+    void document(const std::string& text);
+    // A FILE operand that cannot be read or written.
+    int fileFailure(const std::string& file, const std::string& error);
     // A code of the service other than success; id may be empty.
     int failure(int code, const std::string& id);
     int busFailure(const std::string& error);

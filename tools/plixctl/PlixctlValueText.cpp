@@ -71,6 +71,30 @@ GVariant* PlixctlValueText::fromText(const std::string& type, const std::string&
     return value;
 }
 
+GVariant* PlixctlValueText::fromJson(const std::string& type, const nlohmann::ordered_json& value,
+                                     std::string* problem)
+{
+    const bool doubleType = type == "double" || type == "float";
+    if (value.is_boolean()) {
+        return g_variant_new_boolean(value.get<bool>());
+    }
+    if (value.is_number_integer() && !doubleType) {
+        GVariant* number = intFrom(value.dump());
+        if (number == nullptr) {
+            *problem = value.dump() + " is not a valid int";
+        }
+        return number;
+    }
+    if (value.is_number()) {
+        return g_variant_new_double(value.get<double>());
+    }
+    if (value.is_string()) {
+        return g_variant_new_string(value.get<std::string>().c_str());
+    }
+    *problem = value.dump() + " is not a value";
+    return nullptr;
+}
+
 std::string PlixctlValueText::toText(GVariant* value)
 {
     if (g_variant_is_of_type(value, G_VARIANT_TYPE_BOOLEAN)) {

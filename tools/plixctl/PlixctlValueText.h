@@ -22,6 +22,14 @@ public:
     static GVariant* fromText(const std::string& type, const std::string& text,
                               std::string* problem);
 
+    // The variant to send for a value of an exported document: its JSON kind
+    // decides, as the export wrote each value with its own kind; a whole
+    // number for a "double" or "float" value is sent as a double. Null with
+    // the problem in *problem for anything else; otherwise a new floating
+    // variant.
+    static GVariant* fromJson(const std::string& type, const nlohmann::ordered_json& value,
+                              std::string* problem);
+
     // Booleans as true/false, doubles in their shortest exact form, strings
     // as they are.
     static std::string toText(GVariant* value);

@@ -1,5 +1,6 @@
 #include "PlixctlArguments.h"
 #include "Plix.h"
+#include "PlixctlBackup.h"
 #include "PlixctlBusClient.h"
 #include "PlixctlCheck.h"
 #include "PlixctlCommands.h"
@@ -22,13 +23,23 @@ int runCommand(const PlixctlArguments& arguments, PlixctlBusClient& client, Plix
     case Command::get:
         return commands.get(operands);
     case Command::set:
-        return commands.set(operands, arguments.setMode());
+        return commands.set(operands, arguments.setMode(), arguments.confirmSeconds());
     case Command::verify:
         return commands.verify(operands[0], operands[1]);
     case Command::monitor:
         return PlixctlMonitor(client, output).run();
     case Command::status:
         return commands.status();
+    case Command::confirm:
+        return commands.confirm(operands[0]);
+    case Command::cancel:
+        return commands.cancel(operands[0]);
+    case Command::pending:
+        return commands.pending();
+    case Command::exportValues:
+        return PlixctlBackup(client, output).exportTo(operands.empty() ? "" : operands[0]);
+    case Command::importValues:
+        return PlixctlBackup(client, output).importFrom(operands[0], arguments.confirmSeconds());
     case Command::check:
     case Command::none:
         break;
