@@ -135,3 +135,38 @@ TEST(PlixctlArgumentsTest, CheckTakesAtMostOneFile)
               (std::vector<std::string>{"/tmp/p.xml"}));
     EXPECT_EQ(parse({"check", "a.xml", "b.xml"}).error(), "check takes at most one FILE");
 }
+
+TEST(PlixctlArgumentsTest, ConfirmTakesItsSecondsAlsoJoinedWithAnEqualsSign)
+{
+    const auto arguments = parse({"set", "--confirm", "120", "a/x=1"});
+    EXPECT_EQ(arguments.error(), "");
+    EXPECT_EQ(arguments.confirmSeconds(), 120u);
+    EXPECT_EQ(arguments.setMode(), SetMode::persistent);
+    EXPECT_EQ(parse({"import", "--confirm=600", "backup.json"}).confirmSeconds(), 600u);
+    EXPECT_FALSE(parse({"set", "a/x=1"}).confirmSeconds().has_value());
+}
+
+TEST(PlixctlArgumentsTest, ConfirmNeedsANumberAndAStoredChange)
+{
+    EXPECT_EQ(parse({"set", "--confirm", "ten", "a/x=1"}).error(),
+              "--confirm needs a number of SECONDS, not 'ten'");
+    EXPECT_EQ(parse({"set", "a/x=1", "--confirm"}).error(), "--confirm needs a number of SECONDS");
+    EXPECT_EQ(parse({"set", "--no-persist", "--confirm", "60", "a/x=1"}).error(),
+              "--confirm keeps a stored change: not with --transient or --no-persist");
+    EXPECT_EQ(parse({"export", "--confirm", "60"}).error(),
+              "--confirm belongs to the commands set and import");
+}
+
+TEST(PlixctlArgumentsTest, ConfirmationAndBackupCommandsTakeTheirOperands)
+{
+    EXPECT_EQ(parse({"confirm", "abc"}).command(), Command::confirm);
+    EXPECT_EQ(parse({"cancel", "abc"}).operands(), std::vector<std::string>{"abc"});
+    EXPECT_EQ(parse({"pending"}).command(), Command::pending);
+    EXPECT_EQ(parse({"export"}).command(), Command::exportValues);
+    EXPECT_EQ(parse({"import", "f.json"}).command(), Command::importValues);
+    EXPECT_EQ(parse({"confirm"}).error(),
+              "this command needs the TOKEN that set --confirm printed");
+    EXPECT_EQ(parse({"pending", "x"}).error(), "this command takes no operands");
+    EXPECT_EQ(parse({"export", "a", "b"}).error(), "export takes at most one FILE");
+    EXPECT_EQ(parse({"import"}).error(), "import needs one FILE");
+}

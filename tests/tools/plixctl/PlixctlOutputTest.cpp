@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include <sstream>
 
 namespace {
@@ -170,4 +172,27 @@ TEST(PlixctlOutputTest, StoreStatusListsEachFailingFile)
               "{\"all_written\":false,\"failing\":["
               "{\"file\":\"/data/a.json\",\"error\":\"No space left on device\"},"
               "{\"file\":\"/data/b.json\",\"error\":\"Read-only file system\"}]}\n");
+}
+
+TEST(PlixctlOutputTest, PendingNamesTheTimeLeftAndTheIds)
+{
+    PlixctlCapture text(false);
+    text.output.pending({true, 42, {"eth0/ipaddress", "eth0/gateway"}});
+    text.output.pending({false, 0, {}});
+    EXPECT_EQ(text.out.str(), "pending: 42 seconds left: eth0/ipaddress eth0/gateway\n"
+                              "nothing pending\n");
+    PlixctlCapture json(true);
+    json.output.pending({true, 42, {"eth0/ipaddress"}});
+    EXPECT_EQ(json.out.str(),
+              "{\"pending\":true,\"seconds_left\":42,\"ids\":[\"eth0/ipaddress\"]}\n");
+}
+
+TEST(PlixctlOutputTest, AChangeAwaitingConfirmationShowsItsTokenAndDeadline)
+{
+    PlixctlCapture json(true);
+    json.output.awaitingConfirmation({"a/count"}, "0123456789abcdef0123456789abcdef", 60);
+    const auto shown = nlohmann::json::parse(json.out.str());
+    EXPECT_EQ(shown["token"], "0123456789abcdef0123456789abcdef");
+    EXPECT_EQ(shown["ids"], nlohmann::json::array({"a/count"}));
+    EXPECT_EQ(shown["deadline"].get<std::string>().size(), 20u);
 }

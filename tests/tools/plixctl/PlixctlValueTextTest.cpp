@@ -20,6 +20,23 @@ std::string read(const std::string& type, const std::string& text)
     return result;
 }
 
+// The same for fromJson.
+std::string readJson(const std::string& type, const char* json)
+{
+    std::string problem;
+    GVariant* value =
+        PlixctlValueText::fromJson(type, nlohmann::ordered_json::parse(json), &problem);
+    if (value == nullptr) {
+        return "problem: " + problem;
+    }
+    g_variant_ref_sink(value);
+    gchar* printed = g_variant_print(value, TRUE);
+    std::string result = printed;
+    g_free(printed);
+    g_variant_unref(value);
+    return result;
+}
+
 std::string shown(GVariant* value)
 {
     g_variant_ref_sink(value);
@@ -86,4 +103,22 @@ TEST(PlixctlValueTextTest, PasswordIsRecognisedByItsTypeText)
     EXPECT_TRUE(PlixctlValueText::isPassword("password,sha256,1000"));
     EXPECT_TRUE(PlixctlValueText::isPassword("password"));
     EXPECT_FALSE(PlixctlValueText::isPassword("string"));
+}
+
+TEST(PlixctlValueTextTest, AnExportedValueIsSentAsItsJsonKind)
+{
+    EXPECT_EQ(readJson("int", "42"), "42");
+    EXPECT_EQ(readJson("double", "2"), "2.0");
+    EXPECT_EQ(readJson("double", "2.5"), "2.5");
+    EXPECT_EQ(readJson("string", "true"), "true");
+    EXPECT_EQ(readJson("bool", "false"), "false");
+    EXPECT_EQ(readJson("string", "\"alpha\""), "'alpha'");
+    EXPECT_EQ(readJson("password,sha256,1000", "\"new\""), "'new'");
+}
+
+TEST(PlixctlValueTextTest, AnExportedValueOfNoValueKindIsRefused)
+{
+    EXPECT_EQ(readJson("int", "4294967296"), "problem: 4294967296 is not a valid int");
+    EXPECT_EQ(readJson("string", "null"), "problem: null is not a value");
+    EXPECT_EQ(readJson("string", "[1]"), "problem: [1] is not a value");
 }
