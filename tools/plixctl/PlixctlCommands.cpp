@@ -277,27 +277,23 @@ std::optional<PlixctlResult> PlixctlCommands::verifyInOwnTransaction(GVariant* c
 
 int PlixctlCommands::confirm(const std::string& token)
 {
-    const auto code = mClient.confirm(token);
-    if (!code) {
-        return mOutput.busFailure(mClient.error());
-    }
-    if (*code != 0) {
-        return mOutput.failure(*code, "");
-    }
-    mOutput.confirmationDone("confirmed");
-    return PlixctlStatus::success;
+    return reportTokenCall(mClient.confirm(token), "confirmed");
 }
 
 int PlixctlCommands::cancel(const std::string& token)
 {
-    const auto code = mClient.cancel(token);
+    return reportTokenCall(mClient.cancel(token), "cancelled, the old values are back");
+}
+
+int PlixctlCommands::reportTokenCall(std::optional<int> code, const char* done)
+{
     if (!code) {
         return mOutput.busFailure(mClient.error());
     }
     if (*code != 0) {
         return mOutput.failure(*code, "");
     }
-    mOutput.confirmationDone("cancelled, the old values are back");
+    mOutput.confirmationDone(done);
     return PlixctlStatus::success;
 }
 

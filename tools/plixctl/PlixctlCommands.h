@@ -48,6 +48,8 @@ private:
     int applyAll(const std::vector<Change>& changes, bool persistent);
     int applyConfirmed(const std::vector<Change>& changes, unsigned seconds);
     static GVariant* changesOf(const std::vector<Change>& changes);
+    // Reports the answer to Confirm or Cancel; done names what happened.
+    int reportTokenCall(std::optional<int> code, const char* done);
     // Reports a change that was applied but whose store file could not be
     // written, with the error that StoreStatus gives for the file.
     int notStored(const std::vector<Change>& changes, const std::string& file);

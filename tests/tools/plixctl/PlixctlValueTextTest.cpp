@@ -4,37 +4,34 @@
 
 namespace {
 
-// The text form GVariant prints of what fromText made, or the problem.
-std::string read(const std::string& type, const std::string& text)
+// The text form GVariant prints of a value made from text or JSON, or the
+// problem.
+std::string printed(GVariant* value, const std::string& problem)
 {
-    std::string problem;
-    GVariant* value = PlixctlValueText::fromText(type, text, &problem);
     if (value == nullptr) {
         return "problem: " + problem;
     }
     g_variant_ref_sink(value);
-    gchar* printed = g_variant_print(value, TRUE);
-    std::string result = printed;
-    g_free(printed);
+    gchar* text = g_variant_print(value, TRUE);
+    std::string result = text;
+    g_free(text);
     g_variant_unref(value);
     return result;
 }
 
-// The same for fromJson.
+std::string read(const std::string& type, const std::string& text)
+{
+    std::string problem;
+    GVariant* value = PlixctlValueText::fromText(type, text, &problem);
+    return printed(value, problem);
+}
+
 std::string readJson(const std::string& type, const char* json)
 {
     std::string problem;
     GVariant* value =
         PlixctlValueText::fromJson(type, nlohmann::ordered_json::parse(json), &problem);
-    if (value == nullptr) {
-        return "problem: " + problem;
-    }
-    g_variant_ref_sink(value);
-    gchar* printed = g_variant_print(value, TRUE);
-    std::string result = printed;
-    g_free(printed);
-    g_variant_unref(value);
-    return result;
+    return printed(value, problem);
 }
 
 std::string shown(GVariant* value)
