@@ -2,6 +2,7 @@
 // whole configuration.
 #include "PlixctlFixture.h"
 
+#include <csignal>
 #include <regex>
 
 namespace {
@@ -141,4 +142,48 @@ TEST_F(PlixctlConfirm, ImportWithConfirmAwaitsTheConfirmation)
                                             "general/count\n")));
     EXPECT_EQ(run({"cancel", tokenIn(imported.out)}).status, 0);
     EXPECT_EQ(storeJson()["general"]["count"], 42);
+}
+
+// The example configuration as a device has it, its paths moved into the
+// test directory, on a service of its own.
+TEST_F(PlixctlConfirm, ExportChangeImportOnTheExampleConfigurationGivesBackItsStoreFiles)
+{
+    ASSERT_EQ(::kill(servicePid(), SIGKILL), 0);
+    const std::vector<std::string> stores{"network.json", "ports.json", "remoteaccess.json",
+                                          "panel.json", "factory.json"};
+    dir().makeDirectory("example");
+    dir().makeDirectory("example/run");
+    for (const std::string& name : stores) {
+        dir().write("example/" + name,
+                    PlixTestDir::readFile(std::string(PLIX_EXAMPLES_DIR) + "/" + name));
+    }
+    std::string xml = PlixTestDir::readFile(std::string(PLIX_EXAMPLES_DIR) + "/plix_config.xml");
+    for (const auto& [from, to] :
+         {std::pair<std::string, std::string>{"/etc/orvanta/plix/", "@DIR@/example/"},
+          {"/run/orvanta/", "@DIR@/example/run/"}}) {
+        for (auto at = xml.find(from); at != std::string::npos; at = xml.find(from, at)) {
+            xml.replace(at, from.size(), to);
+        }
+    }
+    PlixServiceProcess& example = start({"-c", writeXml("example.xml", xml)},
+                                        {{"PLIX_TEST_PRELOAD", PLIX_FAKE_SYSCONFIG},
+                                         {"PLIX_FAKE_SYSCONFIG_LOG", dir().file("sysconfig.log")},
+                                         {"PLIX_FAKE_IPCONFIG_ANSWER", "1"}},
+                                        "example");
+    ASSERT_TRUE(waitServing(example)) << tail(example);
+    std::map<std::string, nlohmann::json> before;
+    for (const std::string& name : stores) {
+        before[name] = nlohmann::json::parse(fileText("example/" + name));
+    }
+    const auto exported = run({"export", dir().file("backup.json")});
+    ASSERT_EQ(exported.status, 0) << exported.err;
+    const auto changed = run({"set", "ports/mainport=5800", "station/name=Lab-Panel-08",
+                              "display/brightness=20", "eth0/ipaddress=192.168.0.77"});
+    ASSERT_EQ(changed.status, 0) << changed.err;
+    EXPECT_NE(nlohmann::json::parse(fileText("example/ports.json")), before["ports.json"]);
+    const auto imported = run({"import", dir().file("backup.json")});
+    EXPECT_EQ(imported.status, 0) << imported.err;
+    for (const std::string& name : stores) {
+        EXPECT_EQ(nlohmann::json::parse(fileText("example/" + name)), before[name]) << name;
+    }
 }
