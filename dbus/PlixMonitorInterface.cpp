@@ -160,6 +160,7 @@ gboolean PlixMonitorInterface::pending(PlixMonitor* skeleton, GDBusMethodInvocat
     const PlixConfirmation& confirmation = Plix::getInstance()->confirmation();
     const std::vector<std::string> ids = confirmation.ids();
     std::vector<const gchar*> names;
+    names.reserve(ids.size() + 1);
     for (const std::string& id : ids) {
         names.push_back(id.c_str());
     }

@@ -39,7 +39,7 @@ public:
     // Before the commit: keeps the replaced contents and writes them, with
     // the window's end, to the rollback file. False, with the reason, when
     // the file could not be written; then nothing is kept.
-    bool prepare(std::vector<PlixRollbackEntry> replaced, unsigned seconds, std::string& error);
+    bool prepare(std::vector<PlixRollbackEntry> contents, unsigned seconds, std::string& error);
     // After a commit that took effect and is stored: opens the window and
     // answers the token that confirms or cancels it.
     std::string open();
