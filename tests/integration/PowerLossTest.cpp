@@ -1,7 +1,8 @@
 // The service killed at random moments while it commits persistent
-// transactions, as a power loss would stop it: every JSON store file must
-// always hold either the document before the commit or the one after it,
-// and the service must start again on it and read back what it holds.
+// transactions, or applies, confirms and puts back changes with a
+// confirmation window, as a power loss would stop it: every JSON store file
+// must always hold either the document before the commit or the one after
+// it, and the service must start again on it and read back what it holds.
 //
 //   integration_power_loss_tests [--cycles=N] [--seed=N] [gtest options]
 //
@@ -66,6 +67,86 @@ private:
     int mConfirmed;
     std::thread mThread;
 };
+
+// Changes the counter upwards with confirmation windows until the service
+// stops answering: every other change is confirmed, the others cancelled.
+// Remembers the value the store keeps by the answers it had, and the value
+// of a confirmation under way, which the store may or may not keep.
+class PlixConfirmLoop
+{
+public:
+    PlixConfirmLoop(const std::string& address, int kept)
+        : mClient(address), mKept(kept), mConfirming(kept), mThread([this] { changeFrom(); })
+    {
+    }
+    ~PlixConfirmLoop()
+    {
+        if (mThread.joinable()) {
+            mThread.join();
+        }
+    }
+    PlixConfirmLoop(const PlixConfirmLoop&) = delete;
+    PlixConfirmLoop& operator=(const PlixConfirmLoop&) = delete;
+
+    // Waits until the service stopped answering; whether the store may hold
+    // this counter.
+    bool mayHold(int counter)
+    {
+        mThread.join();
+        return counter == mKept || counter == mConfirming;
+    }
+
+private:
+    void changeFrom()
+    {
+        for (int value = mKept + 1;; ++value) {
+            const std::string token = applyConfirmed(value);
+            if (token.empty()) {
+                return;
+            }
+            const bool keep = value % 2 == 0;
+            mConfirming = keep ? value : mKept;
+            if (call(keep ? "Confirm" : "Cancel", g_variant_new("(s)", token.c_str())) != 0) {
+                return;
+            }
+            mKept = mConfirming;
+        }
+    }
+
+    std::string applyConfirmed(int value)
+    {
+        GVariantBuilder changes;
+        g_variant_builder_init(&changes, G_VARIANT_TYPE_VARDICT);
+        g_variant_builder_add(&changes, "{sv}", kCounterId, g_variant_new_int32(value));
+        const PlixGVariantPtr reply =
+            mClient.call(PlixBusClient::kServiceName, PlixBusClient::kAdaptorPath, kMonitor,
+                         "ApplyConfirmed", g_variant_new("(a{sv}u)", &changes, 3600u));
+        gint32 status = -1;
+        const gchar* failedId = nullptr;
+        const gchar* token = "";
+        if (reply) {
+            g_variant_get(reply.get(), "(i&s&s)", &status, &failedId, &token);
+        }
+        return status == 0 ? token : "";
+    }
+
+    int call(const char* method, GVariant* params)
+    {
+        const PlixGVariantPtr reply = mClient.call(
+            PlixBusClient::kServiceName, PlixBusClient::kAdaptorPath, kMonitor, method, params);
+        gint32 status = -1;
+        if (reply) {
+            g_variant_get(reply.get(), "(i)", &status);
+        }
+        return status;
+    }
+
+    static constexpr const char* kMonitor = "com.orvanta.plix.Monitor";
+    PlixBusClient mClient;
+    int mKept;
+    int mConfirming;
+    std::thread mThread;
+};
 } // namespace
 
 class PowerLossTest : public PlixIntegrationTest
@@ -113,6 +194,50 @@ void PowerLossTest::killDuringCommits(const std::string& xml)
     }
     std::cout << "power loss: " << gCycles << " kills, " << counter << " commits kept\n";
     EXPECT_GT(counter, original["load"]["counter"].get<int>());
+}
+
+// Killed while it applies a change with a confirmation window, confirms it
+// or puts it back: after every restart the store holds the change kept or
+// the one being confirmed, as a whole, and nothing is pending any more.
+TEST_F(PowerLossTest, KilledDuringConfirmedChangesComesBackWithTheKeptOrTheConfirmedDocument)
+{
+    const std::string xml = writeConfig();
+    const nlohmann::json original = storeOrNull();
+    std::mt19937 random(gSeed);
+    int counter = original["load"]["counter"].get<int>();
+    int windows = 0;
+    for (int cycle = 0; cycle < gCycles && !HasFailure(); ++cycle) {
+        PlixServiceProcess& service = start({"-c", xml}, {}, "cycle" + std::to_string(cycle));
+        ASSERT_TRUE(waitServing(service)) << "cycle " << cycle << ":\n" << tail(service);
+        PlixBusClient reader(bus().address());
+        ASSERT_EQ(reader.getIntTransient(kCounterId).value, counter) << "cycle " << cycle;
+        ASSERT_FALSE(std::filesystem::exists(dir().file("plix-rollback.json"))) << cycle;
+
+        const pid_t pid = servicePid();
+        ASSERT_GT(pid, 0);
+        PlixConfirmLoop loop(bus().address(), counter);
+        std::this_thread::sleep_for(std::chrono::milliseconds(
+            std::uniform_int_distribution<int>(0, kMaxKillDelayMs)(random)));
+        ::kill(pid, SIGKILL);
+        ASSERT_TRUE(service.waitExit(kExitBound).has_value()) << "cycle " << cycle;
+
+        nlohmann::json store = storeOrNull();
+        ASSERT_FALSE(store.is_discarded()) << "cycle " << cycle << ": " << fileText("store.json");
+        const bool pending = std::filesystem::exists(dir().file("plix-rollback.json"));
+        windows += pending ? 1 : 0;
+        const nlohmann::json rollback =
+            pending ? nlohmann::json::parse(fileText("plix-rollback.json")) : nlohmann::json();
+        // What the next start makes of the store: the rollback file's value
+        // when one is left.
+        counter = pending ? rollback["values"][0]["value"].get<int>()
+                          : store["load"]["counter"].get<int>();
+        EXPECT_TRUE(loop.mayHold(counter))
+            << "seed " << gSeed << ", cycle " << cycle << ": " << counter;
+        store["load"]["counter"] = original["load"]["counter"];
+        EXPECT_EQ(store, original) << "seed " << gSeed << ", cycle " << cycle;
+    }
+    std::cout << "power loss with confirmations: " << gCycles << " kills, " << windows
+              << " inside a window, counter " << counter << "\n";
 }
 
 TEST_F(PowerLossTest, KilledDuringPersistentCommitsLeavesTheOldOrTheNewDocument)
